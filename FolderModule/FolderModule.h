@@ -1,0 +1,92 @@
+/*
+ * Vintra's folder utilities: taking paths apart, putting them together, naming folders, making folder chains.
+ *
+ * Paths are NUL-terminated byte strings. Both '/' and '\' separate components when a path is read; '/' is
+ * what is written. The "drive" of an absolute path is the one character '/'.
+ *
+ * All buffers belong to the caller, who keeps to the sizes named here, in bytes with the terminator. Output
+ * buffers must not overlap input texts. Nothing is allocated and nothing is kept between calls, so every
+ * function may run in any number of threads at once.
+ *
+ * The functions that make folders return 1 when something of the folder's name is there at the end of the
+ * call, and 0 when it is not. Nothing here writes a message.
+ */
+#ifndef VINTRA_FOLDERMODULE_FOLDERMODULE_H
+#define VINTRA_FOLDERMODULE_FOLDERMODULE_H
+
+#include "../Common/BaseTypes.h"
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/*
+ * Splits path into its four parts. A null output is not wanted. drive needs 2 bytes; dir, fname and ext each
+ * need the length of path plus 1 in the worst case.
+ *
+ *   drive  "/" for a path that begins with '/', else ""
+ *   dir    from behind the drive up to and including the last separator, or "" when there is none there
+ *   fname  the last component up to its last '.'; without a dir it keeps a leading '/'
+ *   ext    from the last '.' of the last component on, the '.' included, or ""
+ *
+ * "/var/log/app/run.log" gives "/", "var/log/app/", "run", ".log"; "/app.log" gives "/", "", "/app", ".log";
+ * ".hidden" gives "", "", "", ".hidden". A null or empty path leaves the outputs as they are.
+ */
+VINTRA_API void SplitPath(const char* path, char* drive, char* dir, char* fname, char* ext);
+
+/*
+ * Joins the parts that are not null into path, which needs the length of all parts together plus 4 bytes. A
+ * ':' is put behind a drive that does not end in one, a '/' between a drive and a dir that does not begin
+ * with a separator, and a '/' behind a dir that does not end in one. Nothing is put between fname and ext. An
+ * empty drive, and an empty dir without a drive, add nothing. A null path is harmless.
+ *
+ * Not the inverse of SplitPath where a drive is given: "/" as drive gives "/:".
+ */
+VINTRA_API void MakePath(char* path, const char* drive, const char* dir, const char* fname, const char* ext);
+
+/* Writes "./" into module_dir (3 bytes) and returns module_dir. Null is returned as it is. */
+VINTRA_API char* GetModuleDir(char* module_dir);
+
+/*
+ * Writes the folder of this library's own file, with its last '/', into module_dir (260 bytes) and returns
+ * module_dir. The folder reads as the loader was given it, and so may be relative. module_dir is left
+ * untouched when the loader cannot name the file, when the name has no '/' behind its first character, and
+ * when it is 260 characters or longer; clear the buffer first to tell. Null is returned as it is.
+ */
+VINTRA_API char* GetDLLDir(char* module_dir);
+
+/*
+ * Makes every missing folder of path, from the top down, with mode 0777 less the umask. path has 1 to 248
+ * characters; runs of separators count as one, and one at the end is harmless. Anything of a level's name
+ * that exists counts as the level, and so does one that another process makes meanwhile.
+ *
+ * Returns 1, or 0 for a null, empty or over-long path, for a first component that ends in ':' and is not
+ * there, and when a level cannot be made. A failed call removes the levels that it made itself, and only
+ * those; a call in another process that relied on one of them meanwhile fails too. A '\' in front of the
+ * whole path stays part of the first name.
+ */
+VINTRA_API int CreateMulDir(const char* path);
+
+/*
+ * Makes subdir, a chain of one or more components, below parent_dir: a buffer of 261 bytes whose text ends in
+ * '/'. The first component of subdir is appended to that text in place.
+ *
+ * Returns 1, or 0 with parent_dir unchanged for a null or empty argument, for texts of more than 248
+ * characters together, and when the first component cannot be made. When a level further down cannot be made
+ * the result is 0 too; the levels that the call made are removed, and parent_dir keeps the first component
+ * only where that one was there before.
+ */
+VINTRA_API int CreateChildDir(char* parent_dir, const char* subdir);
+
+#ifdef __cplusplus
+}
+
+/*
+ * For C++ hosts: makes the chain a_dir below the folder parent_dir, whose length, up to 259, is back_size.
+ * Neither text is changed. Returns 1, also when a_dir is empty or holds separators only; or 0 for a null
+ * text, for a back_size that is not the length of parent_dir, and where CreateChildDir would.
+ */
+VINTRA_API int RecursiveCreateDir(char* a_dir, char* parent_dir, int back_size);
+#endif
+
+#endif

@@ -1,0 +1,40 @@
+// The platform side of the folder utilities: the only place that asks the loader and makes folders.
+#ifndef VINTRA_FOLDERMODULE_LINUXFUNC_H
+#define VINTRA_FOLDERMODULE_LINUXFUNC_H
+
+#include "Common/BaseTypes.h"
+
+namespace vintra {
+
+constexpr char kSeparators[] = "/\\";
+constexpr int kDllPathSize = 260;   // of the library's own file name, terminator included
+constexpr int kLongestChain = 248;  // characters of a folder chain
+constexpr int kLongestLevel = 259;  // characters of a root part, and of a parent with one component
+constexpr int kChainBufferSize = kLongestLevel + 2;  // one level, a '/' behind it, the terminator
+
+// What became of one level of a chain. Only a level that the call made itself may be removed again.
+enum class Level { kFailed, kFound, kMade };
+
+// Makes the first level of a chain, whose name has back_size characters. A drive designation, which ends in
+// ':', is never made. On failure parent_dir is cut to front_size characters.
+Level EnsureRootLevel(char* parent_dir, int back_size, int front_size);
+
+// Makes one level further down. On failure parent_dir is cut to front_size characters.
+Level EnsureLevel(char* parent_dir, int front_size);
+
+// Copies the root part of path, its first component with one leading separator at most, into root (261 bytes)
+// and returns its length, or 0 when it is empty or over 259 characters. scan points into path, behind what is
+// already known to belong to the root part.
+int CopyRootPart(const char* scan, const char* path, char* root);
+
+}  // namespace vintra
+
+// Exported with C++ linkage, for hosts that know their signatures. Null texts are harmless and give 0;
+// otherwise 1 is success and 0 failure. GetDLLPath is GetDLLDir without a result, for the same 260 bytes. The
+// others are CopyRootPart, whose length SetRootDir returns, EnsureRootLevel and EnsureLevel above.
+VINTRA_API void GetDLLPath(char* module_dir);
+VINTRA_API int SetRootDir(char* a_dir, char* dir, char* parent_dir);
+VINTRA_API int CheckAndCreateParentDir(char* parent_dir, int back_size, int front_size);
+VINTRA_API int CreateDir(char* parent_dir, int front_size);
+
+#endif
