@@ -1,0 +1,54 @@
+// The clock: the instant of a record, and the local date and time text of its second.
+#ifndef VINTRA_VINTRAMODULE_LOGCLOCK_H
+#define VINTRA_VINTRAMODULE_LOGCLOCK_H
+
+#include <cstddef>
+#include <ctime>
+
+#include "Common/BaseTypes.h"
+
+namespace vintra {
+
+constexpr std::size_t kConversionSize = 64;  // of one date or time conversion, terminator included
+
+struct ClockReading {
+  std::time_t second = 0;
+  uint32 millisecond = 0;
+};
+
+// Reads the clock. The milliseconds come from one call and the second from a later one, which may stand on
+// the other side of a second's edge; the second is then the one that the milliseconds belong to. Returns
+// false when the clock cannot be read.
+bool ReadClock(ClockReading& now);
+
+// What the C library last knew of the local time zone. Its names are compared as pointers and never read:
+// another thread may be replacing them.
+struct ZoneMark {
+  long seconds_west;
+  int has_daylight;
+  const char* standard_name;
+  const char* daylight_name;
+
+  bool operator==(const ZoneMark&) const = default;
+};
+
+// Date and time text of one second in local time, kept so that it is converted once a second and not once a
+// record. All zero is the empty cache.
+struct SecondText {
+  bool valid;  // the fields below are those of second
+  std::time_t second;
+  ZoneMark zone;
+  std::size_t date_length;      // 0: the date could not be converted
+  std::size_t time_length;      // 0: the time could not be converted
+  sint8 date[kConversionSize];  // "%Y-%m-%d "
+  sint8 time[kConversionSize];  // "%H:%M:%S"
+};
+
+// Makes text that of `second`, converting only for another second or after a change of the time zone. The
+// second just before the last one counts as the last one, which then lasts for two: stamps do not step back
+// by a second when the clock is, as for a leap second.
+void UpdateSecondText(SecondText& text, std::time_t second);
+
+}  // namespace vintra
+
+#endif

@@ -1,0 +1,88 @@
+#include "VintraModule/LogFile.h"
+
+#include <fcntl.h>
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "Common/Handles.h"
+#include "FolderModule/PathParts.h"
+#include "VintraModule/ErrLog.h"
+
+namespace vintra {
+
+namespace {
+
+constexpr std::size_t kRecordRoom = 2048;  // a header and a message of the common length
+constexpr std::size_t kSmallestBuffer = 4096;
+constexpr std::size_t kLargestThreshold = 65536;  // beyond it the stream writes when its buffer is full
+
+// With room for the threshold and the record that passes it, a flush is one system call.
+std::size_t StreamBufferSize(uint32 file_flush_size) {
+  return std::max(kSmallestBuffer, std::min<std::size_t>(file_flush_size, kLargestThreshold) + kRecordRoom);
+}
+
+// A stream ignores a size without a buffer, so the handle lends it one, the same for all its files. Where
+// memory is short the stream's own buffer does.
+void LendBuffer(LogHandleRec& handle) {
+  const std::size_t size = StreamBufferSize(handle.file_flush_size);
+  if (handle.stream_buffer == nullptr) handle.stream_buffer = static_cast<sint8*>(std::malloc(size));
+  if (handle.stream_buffer != nullptr) setvbuf(handle.file_out, handle.stream_buffer, _IOFBF, size);
+}
+
+// Always in append mode, which has no counterpart among the modes of fopen for a file that is emptied: after
+// a truncation by somebody else the next record stands at the new end and leaves no hole.
+bool OpenPath(LogHandleRec& handle, const sint8* path, OpenMode mode) {
+  const bool keep = mode == OpenMode::kAppend;
+  const int flags = keep ? O_RDWR : O_WRONLY | O_TRUNC;
+  FileDescriptor file(open(path, flags | O_CREAT | O_APPEND | O_CLOEXEC, 0666));
+  if (!file) return false;
+  handle.file_out = fdopen(file.get(), keep ? "ab+" : "ab");
+  if (handle.file_out == nullptr) return false;
+  file.release();
+  LendBuffer(handle);
+  return true;
+}
+
+}  // namespace
+
+bool OpenLogFile(LogHandleRec& handle, const sint8* name, OpenMode mode, sint8* path) {
+  handle.file_out = nullptr;
+  return JoinPath({path, kPathSize}, handle.log_file_path, name, handle.log_file_ext) &&
+         OpenPath(handle, path, mode);
+}
+
+bool RollLogFile(LogHandleRec& handle, const sint8* name, sint8* path) {
+  const CancellationPause pause;
+  CloseLogFile(handle);
+  handle.file_size = 0;
+  handle.first_flush_due = true;
+  return OpenLogFile(handle, name, OpenMode::kEmpty, path);
+}
+
+bool RestartLogFile(LogHandleRec& handle, const sint8* path) {
+  CloseLogFile(handle);
+  return OpenPath(handle, path, OpenMode::kEmpty);
+}
+
+void CloseLogFile(LogHandleRec& handle) {
+  if (handle.file_out == nullptr) return;
+  const int number = StreamNumber(handle.file_out);
+  const int result = fclose(handle.file_out);
+  handle.file_out = nullptr;
+  if (result != 0) REPORT_ERROR("LogMsg fclose(%d) = %d failed", number, result);
+}
+
+sint32 FlushLogFile(LogHandleRec& handle) {
+  if (const int result = std::fflush(handle.file_out); result != 0) {
+    REPORT_ERROR("LogMsg fflush(%d) = %d failed", StreamNumber(handle.file_out), result);
+    return kWriteFailed;
+  }
+  handle.flush_size = handle.file_size;
+  handle.first_flush_due = false;
+  return kSuccess;
+}
+
+int StreamNumber(FILE* stream) { return fileno(stream); }
+
+}  // namespace vintra

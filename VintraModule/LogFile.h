@@ -1,0 +1,38 @@
+// The current log file of a handle: opening, closing and flushing, the same for all modes. A mode decides
+// when and which name.
+#ifndef VINTRA_VINTRAMODULE_LOGFILE_H
+#define VINTRA_VINTRAMODULE_LOGFILE_H
+
+#include "VintraModule/LogHandle.h"
+
+namespace vintra {
+
+enum class OpenMode {
+  kAppend,  // keep what is there; created if missing
+  kEmpty,   // start over
+};
+
+// Opens <log_file_path><name><log_file_ext> as the current file. path (260 bytes) receives the full name; one
+// that does not fit is never opened, and path then holds its beginning. Returns false with file_out null on
+// failure. The caller reports: each operation owns its message.
+bool OpenLogFile(LogHandleRec& handle, const sint8* name, OpenMode mode, sint8* path);
+
+// Moves on to the file of that name, emptied, as OpenLogFile does. flush_size stays, and the new file's first
+// record is due for a flush.
+bool RollLogFile(LogHandleRec& handle, const sint8* name, sint8* path);
+
+// Closes the current file, if any, and starts the file at path over.
+bool RestartLogFile(LogHandleRec& handle, const sint8* path);
+
+// Closes the current file, if any. Records that cannot be stored any more are reported.
+void CloseLogFile(LogHandleRec& handle);
+
+// Flushes the open file and notes how far. Reports and returns 7 on failure, with flush_size unchanged.
+sint32 FlushLogFile(LogHandleRec& handle);
+
+// What identifies a stream in a message.
+int StreamNumber(FILE* stream);
+
+}  // namespace vintra
+
+#endif

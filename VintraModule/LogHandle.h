@@ -1,0 +1,102 @@
+// The state of one handle, and the names of the result codes.
+#ifndef VINTRA_VINTRAMODULE_LOGHANDLE_H
+#define VINTRA_VINTRAMODULE_LOGHANDLE_H
+
+#include <pthread.h>
+
+#include <cstdint>
+#include <cstdio>
+
+#include "VintraModule/LogClock.h"
+#include "VintraModule/VintraModule.h"
+
+namespace vintra {
+
+constexpr std::size_t kPathSize = VINTRA_PATH_SIZE;
+constexpr std::size_t kTextSize = VINTRA_TEXT_SIZE;
+constexpr std::size_t kFileNameSize = 256;  // of a file name that a mode composes
+constexpr uint32 kLiveMark = 0xF0F0;
+
+enum ResultCode : sint32 {
+  kSuccess = 0,
+  kInvalidArgument = 1,  // also a record for a handle without an open file
+  kNoMemory = 2,         // also a message that no buffer can hold
+  kNoFolder = 4,         // the log folder could not be made
+  kNoFile = 5,           // a log file could not be opened or emptied, or its size not read
+  kWriteFailed = 7,      // writing or flushing failed
+  kFolderTooLong = 9,    // the library's folder with the name's relative folder
+  kHeaderFailed = 10,    // a header field could not be formatted
+  kClockUnreadable = 12,
+};
+
+}  // namespace vintra
+
+// Published names and their order stay as hosts and tools know them. Start-up fills the record before anybody
+// else knows it; from then on the groups below say who writes.
+struct LogHandleRec {
+  // Start-up only; instance_effective also by the destruction.
+  uint32 instance_effective;  // kLiveMark while the handle is live
+  LogMode log_mode;
+  LogLevel log_level;
+
+  // Under Critical_Section.
+  FILE* file_out;  // null: no file is open
+  pthread_mutex_t Critical_Section;
+  uint32 cur_date_ID;
+  uint32 cur_log_file_ID;
+  uint32 file_size;   // bytes in the current file
+  uint32 flush_size;  // file_size at the last flush
+
+  // Start-up only.
+  uint32 max_file_size;
+  uint32 max_backup_index;
+  sint8 log_file_path[VINTRA_PATH_SIZE];  // ends in '/'
+  sint8 log_file_name[VINTRA_TEXT_SIZE];
+  sint8 log_file_ext[VINTRA_TEXT_SIZE];
+
+  // SourceInfo, without the lock: read and written byte by byte as atomics only, and the last byte stays 0.
+  uint32 src_line;
+  sint8 src_file[VINTRA_TEXT_SIZE];
+
+  // Start-up only: switches, 0 or 1, and what a line and the flush policy need.
+  uint32 log_date;
+  uint32 log_time;
+  uint32 log_level_info;
+  uint32 log_src_file;
+  uint32 log_src_line;
+  uint32 log_new_line;
+  uint32 log_swith;  // empty the file at start-up
+  uint32 log_time_span;
+  uint32 file_flush_size;
+  uint32 sys_none;
+  uint32 sys_os;
+  uint32 sys_cpu;
+  uint32 sys_memory;
+  uint32 log_pid;
+  uint32 log_tid;
+  uint32 log_none;
+  sint8 log_module_name[VINTRA_TEXT_SIZE];
+  uint32 log_encrypt;
+
+  // Behind the published fields, under Critical_Section.
+  vintra::SecondText second_text;
+  sint8* stream_buffer;  // lent to file_out; null where the stream has its own
+  bool first_flush_due;  // a roll has started the file, and nothing of it has been flushed yet
+};
+
+// All zero. Start-up copies it, so that every field it does not set is 0 or empty.
+extern const LogHandleRec null_log_handle_rec;
+
+namespace vintra {
+
+// The record behind a handle, or null when the handle is not live.
+inline LogHandleRec* LiveHandle(LOGHANDLE log_handle) {
+  const auto address = static_cast<std::intptr_t>(log_handle);
+  auto* const handle =
+      reinterpret_cast<LogHandleRec*>(address);  // NOLINT(performance-no-int-to-ptr): by contract
+  return handle != nullptr && handle->instance_effective == kLiveMark ? handle : nullptr;
+}
+
+}  // namespace vintra
+
+#endif

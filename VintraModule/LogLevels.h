@@ -1,0 +1,28 @@
+// The levels, one row each: value, word, and the tag of a line.
+#ifndef VINTRA_VINTRAMODULE_LOGLEVELS_H
+#define VINTRA_VINTRAMODULE_LOGLEVELS_H
+
+#include <string_view>
+
+#include "VintraModule/VintraModule.h"
+
+namespace vintra {
+
+struct LevelRow {
+  LogLevel level;
+  const sint8* word;
+  std::string_view tag;
+};
+
+constexpr std::size_t kTagSize = 32;  // of the buffer that a tag is copied into
+
+constexpr LevelRow kLevels[] = {
+    {Log_Level_Trace, "Trace", "[TRACE]  "}, {Log_Level_Debug, "Debug", "[DEBUG]  "},
+    {Log_Level_Info, "Info", "[INFO]  "},    {Log_Level_Notice, "Notice", "[NOTICE]  "},
+    {Log_Level_Warn, "Warn", "[WARN]  "},    {Log_Level_Error, "Error", "[ERROR]  "},
+    {Log_Level_Crit, "Crit", "[CRIT]  "},    {Log_Level_Fatal, "Fatal", "[FATAL]  "},
+};
+
+}  // namespace vintra
+
+#endif

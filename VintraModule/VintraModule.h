@@ -1,0 +1,247 @@
+/*
+ * Vintra's log module: log handles, their configuration and the functions that write records.
+ *
+ * A program opens a handle on one folder and one base name, writes printf-style records of eight levels
+ * through it from any thread, and destroys it at the end:
+ *
+ *   LogConfigRecEx config = {0};
+ *   LOGHANDLE log = null_log_handle;
+ *   strcpy(config.log_file_name, "/var/log/app/app.log");
+ *   config.log_mode = Log_Mode_Simple;
+ *   config.log_level = Log_Level_Info;
+ *   config.max_file_size = 1024 * 1024;
+ *   strcpy(config.log_format, "%D%T%E%N");
+ *   if (LOG_MODULE_INIT_New_Ex(&config, &log) == 0) LOG_INFO(log, "listening on port %d", port);
+ *   LOG_MODULE_DESTORY(&log);
+ *
+ * Result codes of every function that returns sint32
+ *    0  success; also a record below the handle's threshold, which is dropped
+ *    1  invalid argument or handle, or a record for a handle that has no open file
+ *    2  out of memory, or a message that no buffer can hold
+ *    4  the log folder could not be made
+ *    5  a log file could not be opened or emptied, its path exceeds 259 characters, or its size is unreadable
+ *    7  writing or flushing the log file failed; records not flushed before may be lost with it
+ *    9  the library's folder joined with the folder of a relative name exceeds 259 characters
+ *   10  a header field of a record could not be formatted
+ *   12  the clock could not be read
+ *
+ * Failures are also described in the library's own file LogModuleErrMsg.log, one line each, in the folder of
+ * the library's file. Where that folder cannot be written, these lines are lost and nothing else changes.
+ *
+ * Texts are NUL-terminated bytes of any encoding. The widths of text fields are in bytes and include the
+ * terminator; a field without a terminator is read to its width and not beyond.
+ *
+ * Ownership: the host owns its LOGHANDLE variable and all texts it passes, which are copied or used up before
+ * the call returns. The library owns what the handle stands for, until LOG_MODULE_DESTORY.
+ *
+ * Threads: the library starts none. Handles may be opened in any number of threads at once. Through one
+ * handle any number of threads may call everything but LOG_MODULE_DESTORY at once; records never interleave.
+ * Handles do not wait for each other. Two handles, or two processes, on one folder and base name are not
+ * coordinated. Flush before fork, as unflushed records exist in both processes after it; a child of a process
+ * with several threads leaves inherited handles alone. Stop logging in other threads before exit. No call is
+ * for signal handlers.
+ *
+ * Files are opened close-on-exec and in append mode, so that another program may truncate or append to one.
+ * Sizes are 32-bit: a log file is meant to stay below 2 GiB.
+ */
+#ifndef VINTRA_VINTRAMODULE_VINTRAMODULE_H
+#define VINTRA_VINTRAMODULE_VINTRAMODULE_H
+
+#include "../Common/BaseTypes.h"
+
+#define VINTRA_PATH_SIZE 260 /* bytes of a path field */
+#define VINTRA_TEXT_SIZE 64  /* bytes of every other text field */
+
+/* A handle on one log, or null_log_handle. Copies name the same log and die with it. */
+typedef int64_t LOGHANDLE;
+#define null_log_handle INT64_C(0)
+
+/* The level of a record, and the threshold of a handle: a record is written when its level is at least the
+ * handle's. */
+typedef enum LogLevel VINTRA_ENUM_BASE {
+  Log_Level_Trace = 1,
+  Log_Level_Debug = 2,
+  Log_Level_Info = 3,
+  Log_Level_Notice = 4,
+  Log_Level_Warn = 5,
+  Log_Level_Error = 6,
+  Log_Level_Crit = 7,
+  Log_Level_Fatal = 8,
+  Log_Level_Disable = 9 /* as a threshold: no folder is made, no file opened, every record dropped */
+} LogLevel;
+
+/* How the files of a log grow. This version offers the simple mode; start-up refuses the other two with 1 and
+ * a line in the error log. */
+typedef enum LogMode VINTRA_ENUM_BASE {
+  Log_Mode_Simple = 1,   /* one file, emptied by the first record after it has reached max_file_size */
+  Log_Mode_Rollback = 2, /* a ring of numbered files */
+  Log_Mode_Date = 3      /* files per local day */
+} LogMode;
+
+/* What LOG_MODULE_INIT_Ex needs to know: 348 bytes. Clear the record, then fill it. */
+typedef struct LogConfigRec {
+  /* Folder, base name and extension, for example "/var/log/app/app.log". A name that does not begin with '/'
+   * is placed under the folder of this library's own file, not under the working directory; a library loaded
+   * by a relative path has a relative folder, which follows chdir. The folder, up to 248 characters, is made
+   * if it is missing; '\' separates components like '/'. Base name and extension (from its '.' on) have up to
+   * 63 characters each, and a longer one is refused: cut, it could name another log's file. */
+  sint8 log_file_name[VINTRA_PATH_SIZE];
+  LogMode log_mode;
+  LogLevel log_level; /* the threshold, fixed for the handle's life */
+  /* Size limit of a log file in bytes, 1 to 2147483647. A record is always written whole, so a file may end
+   * one record above its limit. A file found at or above the limit at start-up is emptied, a smaller one
+   * appended to. */
+  uint32 max_file_size;
+  uint32 max_backup_index; /* number of files of a ring or day; the simple mode does not use it */
+  /* Flush when this many bytes are unflushed. 0 flushes after every record, which is then safe from the death
+   * of the process; otherwise a killed process loses at most this many bytes and one record. */
+  uint32 file_flush_size;
+  uint32 log_time_span; /* days that the date mode keeps its files, 0 all; the simple mode does not use it */
+  /* The pieces of each line, as directives: '%', any number of blanks, and a capital letter. Other text is
+   * ignored. Whatever the order of the directives, a line has its pieces in this order:
+   *
+   *   %N  CR LF before every record but the first of a file, so that the file itself ends without one
+   *   %D  the local date, "2026-11-16 "
+   *   %T  the local time, "13:24:14.007 "
+   *   %E  the level tag, "[INFO]  "
+   *       the module name and two blanks, always
+   *   %F  the source file that SourceInfo stored, if any: "[main.c] "
+   *   %L  the source line that SourceInfo stored, if any: "[42] "
+   *       the message
+   *
+   *   %C  adds nothing to the line: start-up empties the file instead of appending to it
+   *
+   * An empty format means "%N". */
+  sint8 log_format[VINTRA_TEXT_SIZE];
+} LogConfigRec;
+
+/* What LOG_MODULE_INIT_New_Ex needs to know: 548 bytes. Clear the record, then fill it; the fields that it
+ * shares with LogConfigRec mean the same. */
+typedef struct LogConfigRecEx {
+  sint32 size_LogConfigRecEx; /* size of this record in bytes; not examined */
+  sint8 log_file_name[VINTRA_PATH_SIZE];
+  LogMode log_mode;
+  LogLevel log_level;
+  uint32 max_file_size;
+  uint32 max_backup_index;
+  uint32 file_flush_size;
+  uint32 log_time_span;
+  sint8 log_format[VINTRA_TEXT_SIZE];
+  /* Directives of the system banner and of the process banner. This version writes neither: leave both empty,
+   * or let them have "%N". Start-up refuses anything else with 1 and a line in the error log. */
+  sint8 sysconf_format[VINTRA_TEXT_SIZE];
+  sint8 PidandTid[VINTRA_TEXT_SIZE];
+  /* Written into every line, may be empty. A name without a terminator is cut to 63 characters, with a line
+   * in the error log. */
+  sint8 module_name[VINTRA_TEXT_SIZE];
+  /* 1 scrambles every byte of the log files: XOR with 0x3C, and the same again gives the text back. This
+   * keeps casual readers out and protects no secret. Any other value writes plain text. */
+  uint32 log_encrypt;
+} LogConfigRecEx;
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/*
+ * Opens a log as a_log_config says, scrambled, without banners and without a module name, and stores its
+ * handle in *a_log_handle. The record is only read, and may be released after the call.
+ *
+ * Returns
+ *   0  *a_log_handle holds a live handle, to be destroyed with LOG_MODULE_DESTORY
+ *   1  a null argument, a max_file_size of 0 or above 2147483647, an empty log_file_name or base name, a base
+ *      name or extension of more than 63 characters, a level outside 1 to 9, or a mode that is not offered
+ *   2, 4, 5, 9  as listed at the top
+ * After any but 0 no handle exists, and *a_log_handle is as it was.
+ */
+VINTRA_API sint32 LOG_MODULE_INIT_Ex(const LogConfigRec* a_log_config, LOGHANDLE* a_log_handle);
+
+/* Opens a log like LOG_MODULE_INIT_Ex, but scrambled or not and with a module name as a_log_config says. The
+ * results are the same; 1 also when a banner is asked for. */
+VINTRA_API sint32 LOG_MODULE_INIT_New_Ex(const LogConfigRecEx* a_log_config, LOGHANDLE* a_log_handle);
+
+/* Returns the handle's threshold, or Log_Level_Disable for a handle that is not live. Takes no lock. */
+VINTRA_API LogLevel LOG_LEVEL(LOGHANDLE log_handle);
+
+/* Flushes the handle's file to the system if anything was written since the last flush. Returns 0, also when
+ * no file is open; 1 for a handle that is not live; 7 when the flush failed. */
+VINTRA_API sint32 LOG_MSG_FLUSH(LOGHANDLE log_handle);
+
+/*
+ * Stores a source position in the handle, where it stays until the next call: the base name and extension of
+ * source_file_name, up to 63 characters, and source_file_line. %F and %L write it into every record. Written
+ * inside a record call (see VINTRA_HERE) it names the place of that call.
+ *
+ * Returns log_handle, always. Stores nothing for a null or empty name, a line below 1 or a handle that is not
+ * live. Takes no lock: where several threads store positions through one handle, a record may carry another
+ * thread's position, or a name with characters of both, always terminated.
+ */
+VINTRA_API LOGHANDLE SourceInfo(LOGHANDLE log_handle, const sint8* source_file_name, sint32 source_file_line);
+
+/* The handle, with this place in the host's source stored in it: LOG_INFO(VINTRA_HERE(log), "ready"). */
+#define VINTRA_HERE(log_handle) SourceInfo((log_handle), __FILE__, __LINE__)
+
+/*
+ * Flushes and closes the handle's file, releases everything and sets *a_log_handle to null_log_handle. Waits
+ * for a record that another thread is writing; the caller sees to it that no thread uses the handle any more.
+ * A null pointer, null_log_handle and a record that is not live are ignored. When the last records cannot be
+ * stored any more, the error log says so.
+ */
+VINTRA_API void LOG_MODULE_DESTORY(LOGHANDLE* a_log_handle);
+
+/*
+ * Write one record of a level: format and its arguments as for printf, any length. The message stands in the
+ * file as formatted, up to a NUL byte if it has one, with no line break added; "%m" gives the errno at the
+ * call, which the call leaves unchanged.
+ *
+ * Return 0 when the record was written or is below the threshold; 1 for a null format, a handle that is not
+ * live or one without an open file; 2, also for text that cannot be encoded; 5 when the next file could not
+ * be opened, after which the handle stays without a file; 7, 10, 12, after which the next record may well
+ * succeed. Except for a failure of writing or flushing (7), nothing of a refused record is in the file.
+ *
+ * Each function has two names, of which the second is for sources that use <syslog.h> or another header that
+ * makes the first one a macro. A plain name that is a macro already is not declared.
+ */
+#define VINTRA_LEVEL_ALIAS(alias, name) \
+  VINTRA_API sint32 alias(LOGHANDLE log_handle, const sint8* format, ...) __asm__(name) VINTRA_PRINTF(2, 3)
+
+VINTRA_LEVEL_ALIAS(vintra_trace, "LOG_TRACE");
+VINTRA_LEVEL_ALIAS(vintra_debug, "LOG_DEBUG");
+VINTRA_LEVEL_ALIAS(vintra_info, "LOG_INFO");
+VINTRA_LEVEL_ALIAS(vintra_notice, "LOG_NOTICE");
+VINTRA_LEVEL_ALIAS(vintra_warn, "LOG_WARN");
+VINTRA_LEVEL_ALIAS(vintra_error, "LOG_ERROR");
+VINTRA_LEVEL_ALIAS(vintra_crit, "LOG_CRIT");
+VINTRA_LEVEL_ALIAS(vintra_fatal, "LOG_FATAL");
+#undef VINTRA_LEVEL_ALIAS
+
+#ifndef LOG_TRACE
+VINTRA_API sint32 LOG_TRACE(LOGHANDLE log_handle, const sint8* format, ...) VINTRA_PRINTF(2, 3);
+#endif
+#ifndef LOG_DEBUG
+VINTRA_API sint32 LOG_DEBUG(LOGHANDLE log_handle, const sint8* format, ...) VINTRA_PRINTF(2, 3);
+#endif
+#ifndef LOG_INFO
+VINTRA_API sint32 LOG_INFO(LOGHANDLE log_handle, const sint8* format, ...) VINTRA_PRINTF(2, 3);
+#endif
+#ifndef LOG_NOTICE
+VINTRA_API sint32 LOG_NOTICE(LOGHANDLE log_handle, const sint8* format, ...) VINTRA_PRINTF(2, 3);
+#endif
+#ifndef LOG_WARN
+VINTRA_API sint32 LOG_WARN(LOGHANDLE log_handle, const sint8* format, ...) VINTRA_PRINTF(2, 3);
+#endif
+#ifndef LOG_ERROR
+VINTRA_API sint32 LOG_ERROR(LOGHANDLE log_handle, const sint8* format, ...) VINTRA_PRINTF(2, 3);
+#endif
+#ifndef LOG_CRIT
+VINTRA_API sint32 LOG_CRIT(LOGHANDLE log_handle, const sint8* format, ...) VINTRA_PRINTF(2, 3);
+#endif
+#ifndef LOG_FATAL
+VINTRA_API sint32 LOG_FATAL(LOGHANDLE log_handle, const sint8* format, ...) VINTRA_PRINTF(2, 3);
+#endif
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

@@ -1,0 +1,218 @@
+#include "VintraModule/VintraModuleExtract.h"
+
+#include <cstdlib>
+#include <memory>
+#include <new>
+#include <span>
+#include <string_view>
+
+#include "Common/Handles.h"
+#include "Common/Text.h"
+#include "FolderModule/FolderModule.h"
+#include "FolderModule/PathParts.h"
+#include "VintraModule/ErrLog.h"
+#include "VintraModule/FileMode.h"
+#include "VintraModule/LogFile.h"
+#include "VintraModule/VintraLinuxFunc.h"
+
+namespace {
+
+using vintra::CopyText;
+using vintra::FieldText;
+
+using HandlePtr = std::unique_ptr<LogHandleRec, vintra::HandleCloser>;
+
+struct Directive {
+  sint8 letter;
+  uint32 LogHandleRec::*flag;
+};
+
+constexpr Directive kLineDirectives[] = {
+    {'D', &LogHandleRec::log_date},       {'T', &LogHandleRec::log_time},
+    {'E', &LogHandleRec::log_level_info}, {'F', &LogHandleRec::log_src_file},
+    {'L', &LogHandleRec::log_src_line},   {'N', &LogHandleRec::log_new_line},
+    {'C', &LogHandleRec::log_swith},
+};
+constexpr Directive kSystemDirectives[] = {
+    {'N', &LogHandleRec::sys_none},
+    {'O', &LogHandleRec::sys_os},
+    {'C', &LogHandleRec::sys_cpu},
+    {'M', &LogHandleRec::sys_memory},
+};
+constexpr Directive kProcessDirectives[] = {
+    {'N', &LogHandleRec::log_none},
+    {'P', &LogHandleRec::log_pid},
+    {'T', &LogHandleRec::log_tid},
+};
+
+// Sets the switch of every directive in format, or only the switch if_empty for an empty format.
+void ScanDirectives(std::string_view format, std::span<const Directive> directives,
+                    uint32 LogHandleRec::*if_empty, LogHandleRec& handle) {
+  if (format.empty()) handle.*if_empty = 1;
+  for (std::size_t at = format.find('%'); at != std::string_view::npos; at = format.find('%', at)) {
+    at = format.find_first_not_of(' ', at + 1);
+    if (at == std::string_view::npos) return;
+    for (const Directive& directive : directives) {
+      if (directive.letter == format[at]) handle.*directive.flag = 1;
+    }
+    ++at;  // an unknown letter, a second '%' included, is consumed
+  }
+}
+
+bool IsValid(const LogConfigRecEx& config) {
+  return config.max_file_size != 0 && config.log_file_name[0] != '\0' &&
+         config.log_level >= Log_Level_Trace && config.log_level <= Log_Level_Disable &&
+         config.log_mode >= Log_Mode_Simple && config.log_mode <= Log_Mode_Date;
+}
+
+// What is valid but cannot be had is refused with a message rather than done in part.
+sint32 CheckOffered(const LogConfigRecEx& config) {
+  if (!vintra::OffersFileMode(config.log_mode)) {
+    REPORT_ERROR("LOG_MODULE_INIT_Ex log_mode(%u) is not available.", static_cast<unsigned>(config.log_mode));
+    return vintra::kInvalidArgument;
+  }
+  if (config.max_file_size > INT32_MAX) {
+    REPORT_ERROR("LOG_MODULE_INIT_Ex max_file_size(%u) is above %d.", config.max_file_size, INT32_MAX);
+    return vintra::kInvalidArgument;
+  }
+  return vintra::kSuccess;
+}
+
+// Sets the folder, the base name and the extension of the log file.
+sint32 SetFileNames(std::string_view file_name, LogHandleRec& handle) {
+  const vintra::PathParts parts = vintra::SplitPathParts(file_name);
+  if (parts.name.empty()) {
+    REPORT_ERROR("LOG_MODULE_INIT_Ex file_name is null");
+    return vintra::kInvalidArgument;
+  }
+
+  if (parts.drive.empty()) {
+    GetDLLDir(handle.log_file_path);
+  } else {
+    static_cast<void>(CopyText(handle.log_file_path, parts.drive));
+  }
+  const std::size_t front = FieldText(handle.log_file_path).size();
+  if (front + parts.dir.size() >= sizeof handle.log_file_path) return vintra::kFolderTooLong;
+  sint8* const end = std::copy(parts.dir.begin(), parts.dir.end(), handle.log_file_path + front);
+  *end = '\0';
+  // The folders of the chain are made with '/' between them, so that is where the file has to be.
+  std::replace(handle.log_file_path + front, end, '\\', '/');
+
+  if (CopyText(handle.log_file_name, parts.name) && CopyText(handle.log_file_ext, parts.ext))
+    return vintra::kSuccess;
+  REPORT_ERROR("LOG_MODULE_INIT_Ex file_name(%.*s) has a base name or extension of more than %zu characters.",
+               static_cast<int>(file_name.size()), file_name.data(), vintra::kTextSize - 1);
+  return vintra::kInvalidArgument;
+}
+
+void CopyModuleName(const LogConfigRecEx& config, LogHandleRec& handle) {
+  if (CopyText(handle.log_module_name, FieldText(config.module_name))) return;
+  REPORT_ERROR("LOG_MODULE_INIT_Ex module_name(%s) has no terminator and is cut.", handle.log_module_name);
+}
+
+}  // namespace
+
+namespace vintra {
+
+void HandleCloser::operator()(LogHandleRec* handle) const {
+  // Unmarked before anything is released, so that a stale copy of the handle is refused as long as its memory
+  // lasts.
+  const bool has_mutex = handle->instance_effective == kLiveMark;
+  handle->instance_effective = 0;
+  CloseLogFile(*handle);
+  if (has_mutex) pthread_mutex_destroy(&handle->Critical_Section);
+  std::free(handle->stream_buffer);
+  delete handle;
+}
+
+}  // namespace vintra
+
+sint32 LogModuleInitExtract(const LogConfigRecEx* a_log_config, LOGHANDLE* a_log_handle) {
+  if (a_log_config == nullptr || a_log_handle == nullptr || !IsValid(*a_log_config))
+    return vintra::kInvalidArgument;
+  if (const sint32 code = CheckOffered(*a_log_config); code != 0) return code;
+
+  const vintra::CancellationPause pause;
+  HandlePtr handle(new (std::nothrow) LogHandleRec(null_log_handle_rec));
+  if (!handle) {
+    REPORT_ERROR("LOG_MODULE_INIT_Ex has no memory for a handle.");
+    return vintra::kNoMemory;
+  }
+  if (const sint32 code = SetFileNames(FieldText(a_log_config->log_file_name), *handle); code != 0)
+    return code;
+  handle->log_mode = a_log_config->log_mode;
+  handle->log_level = a_log_config->log_level;
+  handle->max_file_size = a_log_config->max_file_size;
+  handle->file_flush_size = a_log_config->file_flush_size;
+  handle->log_encrypt = a_log_config->log_encrypt;
+  CopyModuleName(*a_log_config, *handle);
+  AnalysisLogFormat(a_log_config, handle.get());
+  AnalysisSysFormat(a_log_config, handle.get());
+  AnalysisPidFormat(a_log_config, handle.get());
+  if (!handle->sys_none || !handle->log_none) {
+    REPORT_ERROR("LOG_MODULE_INIT_Ex banners are not available.");
+    return vintra::kInvalidArgument;
+  }
+
+  sint8 file_name[vintra::kFileNameSize] = {};
+  sint8 path[vintra::kPathSize] = {};
+  if (const sint32 code = SetLogFilesize(a_log_config, handle.get(), file_name, path); code != 0) return code;
+  if (pthread_mutex_init(&handle->Critical_Section, nullptr) != 0) {
+    REPORT_ERROR("LOG_MODULE_INIT_Ex has no memory for a mutex.");
+    return vintra::kNoMemory;
+  }
+  handle->instance_effective = vintra::kLiveMark;
+  *a_log_handle = static_cast<LOGHANDLE>(reinterpret_cast<std::intptr_t>(handle.release()));
+  return vintra::kSuccess;
+}
+
+sint32 SetLogFilesize(const LogConfigRecEx* a_log_config, LogHandleRec* log_handle, sint8* file_name,
+                      sint8* log_file_name) {
+  if (log_handle->log_level == Log_Level_Disable)
+    return vintra::kSuccess;  // no file: nothing will be written
+  if (CreateMulDir(log_handle->log_file_path) == 0) {
+    REPORT_ERROR("LOG_MODULE_INIT_Ex create path(%s) failed.", log_handle->log_file_path);
+    return vintra::kNoFolder;
+  }
+  const vintra::FileMode& mode = vintra::FindFileMode(log_handle->log_mode);
+  if (const sint32 code = mode.start(a_log_config, log_handle, file_name, log_file_name); code != 0)
+    return code;
+
+  if (!log_handle->log_swith) {
+    const sint32 size = getFileSize(log_handle);
+    if (size == -1) {
+      REPORT_ERROR("Bad file handle %d.", vintra::StreamNumber(log_handle->file_out));
+      return vintra::kNoFile;
+    }
+    if (size < static_cast<sint32>(log_handle->max_file_size)) {
+      log_handle->file_size = static_cast<uint32>(size);
+      return vintra::kSuccess;
+    }
+  }
+  if (vintra::RestartLogFile(*log_handle, log_file_name)) return vintra::kSuccess;
+  REPORT_ERROR("LOG_MODULE_INIT_Ex open file(%s) for write failed.", log_file_name);
+  return vintra::kNoFile;
+}
+
+sint32 SetVintraFileName(LogHandleRec* log_handle, sint8* log_file_name) {
+  if (vintra::OpenLogFile(*log_handle, log_handle->log_file_name, vintra::OpenMode::kAppend, log_file_name)) {
+    return vintra::kSuccess;
+  }
+  REPORT_ERROR("LOG_MODULE_INIT_Ex open file(%s) for write failed.", log_file_name);
+  return vintra::kNoFile;
+}
+
+void AnalysisLogFormat(const LogConfigRecEx* a_log_config, LogHandleRec* log_handle) {
+  ScanDirectives(FieldText(a_log_config->log_format), kLineDirectives, &LogHandleRec::log_new_line,
+                 *log_handle);
+}
+
+void AnalysisSysFormat(const LogConfigRecEx* a_log_config, LogHandleRec* log_handle) {
+  ScanDirectives(FieldText(a_log_config->sysconf_format), kSystemDirectives, &LogHandleRec::sys_none,
+                 *log_handle);
+}
+
+void AnalysisPidFormat(const LogConfigRecEx* a_log_config, LogHandleRec* log_handle) {
+  ScanDirectives(FieldText(a_log_config->PidandTid), kProcessDirectives, &LogHandleRec::log_none,
+                 *log_handle);
+}

@@ -1,0 +1,33 @@
+// Start-up: from a configuration record to a live handle.
+#ifndef VINTRA_VINTRAMODULE_VINTRAMODULEEXTRACT_H
+#define VINTRA_VINTRAMODULE_VINTRAMODULEEXTRACT_H
+
+#include "VintraModule/LogHandle.h"
+
+namespace vintra {
+
+// Releases whatever a handle holds, live or half started.
+struct HandleCloser {
+  void operator()(LogHandleRec* handle) const;
+};
+
+}  // namespace vintra
+
+// The common start-up. The caller's variable is written only when the handle is live.
+sint32 LogModuleInitExtract(const LogConfigRecEx* a_log_config, LOGHANDLE* a_log_handle);
+
+// Makes the log folder, runs the mode's start placement and then the size check, which appends to the file or
+// empties it. file_name is scratch of 256 bytes; log_file_name (260) receives the full path of the opened
+// file.
+sint32 SetLogFilesize(const LogConfigRecEx* a_log_config, LogHandleRec* log_handle, sint8* file_name,
+                      sint8* log_file_name);
+
+// The simple mode's start placement. log_file_name (260 bytes) receives the full path.
+sint32 SetVintraFileName(LogHandleRec* log_handle, sint8* log_file_name);
+
+// Set the switches that the three formats ask for. Switches are never cleared.
+void AnalysisLogFormat(const LogConfigRecEx* a_log_config, LogHandleRec* log_handle);
+void AnalysisSysFormat(const LogConfigRecEx* a_log_config, LogHandleRec* log_handle);
+void AnalysisPidFormat(const LogConfigRecEx* a_log_config, LogHandleRec* log_handle);
+
+#endif

@@ -1,0 +1,40 @@
+// The road of one record: level filter, lock, rollover check, header, scrambling, writing, flush.
+#ifndef VINTRA_VINTRAMODULE_VINTRAMODULEINTER_H
+#define VINTRA_VINTRAMODULE_VINTRAMODULEINTER_H
+
+#include <cstdarg>
+
+#include "VintraModule/ErrLog.h"
+#include "VintraModule/LogHandle.h"
+#include "VintraModule/LogLevels.h"
+
+namespace vintra {
+
+// What the eight level functions share. A record that is refused or dropped is not formatted.
+sint32 FormatAndLog(LOGHANDLE log_handle, const LevelRow& row, const sint8* format, va_list args)
+    __attribute__((format(printf, 3, 0)));
+
+// Stores a source position as SourceInfo documents it.
+void StoreSource(LogHandleRec& handle, const sint8* source_file_name, sint32 source_file_line);
+
+}  // namespace vintra
+
+// Writes the finished message msg as a record of the level that the word names. Another word passes every
+// threshold and has an empty tag. format is checked for null only; msg is scrambled in place where the handle
+// says so.
+sint32 LogRecord(LOGHANDLE log_handle, const sint8* level, const sint8* format, sint8* msg);
+
+// Looks a level word up. str receives the tag, 11 bytes at most.
+void GetLogLevel(const sint8* level, sint8* str, LogLevel& log_level);
+
+// Writes one record under the handle's lock, after the mode's rollover check.
+sint32 LogMsg(LogHandleRec* log_handle, const sint8* log_level, sint8* msg);
+
+// Writes header and message to file_out, counts them and flushes when enough bytes have gathered. log_level
+// is the tag. The lock is held.
+sint32 logMsgWriteFile(LogHandleRec* log_handle, FILE* file_out, const sint8* log_level, sint8* str);
+
+// The simple mode's rollover check: empties a file that has reached the limit.
+sint32 SimpleMode(LogHandleRec* log_handle, sint8* log_file_name);
+
+#endif
