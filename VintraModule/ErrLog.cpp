@@ -36,16 +36,16 @@ HeapText ComposeLine(const vintra::ClockReading& now, const sint8* file_name, ui
                      const sint8* format, va_list args) {
   sint8* message = nullptr;
   const HeapText message_owner(vasprintf(&message, format, args) < 0 ? nullptr : message);
-  vintra::SecondText stamp{};
-  vintra::UpdateSecondText(stamp, now.second);
+  vintra::SecondText second{};
+  vintra::UpdateSecondText(second, now.second);
+  const std::string_view stamp = second.View(true, true);
   const vintra::PathParts source = vintra::SplitPathParts(file_name == nullptr ? "" : file_name);
 
   sint8* text = nullptr;
-  const int length =
-      asprintf(&text, "%.*s%.*s.%03u  Errlog:%.*s%.*s(%d) %s\n", static_cast<int>(stamp.date_length),
-               stamp.date, static_cast<int>(stamp.time_length), stamp.time, now.millisecond,
-               static_cast<int>(source.name.size()), source.name.data(), static_cast<int>(source.ext.size()),
-               source.ext.data(), static_cast<int>(line), message_owner ? message_owner.get() : "");
+  const int length = asprintf(&text, "%.*s.%03u  Errlog:%.*s%.*s(%d) %s\n", static_cast<int>(stamp.size()),
+                              stamp.data(), now.millisecond, static_cast<int>(source.name.size()),
+                              source.name.data(), static_cast<int>(source.ext.size()), source.ext.data(),
+                              static_cast<int>(line), message_owner ? message_owner.get() : "");
   return HeapText(length < 0 ? nullptr : text);
 }
 

@@ -39,8 +39,9 @@ void UpdateSecondText(SecondText& text, std::time_t second) {
   tzset();
   std::tm local{};
   const bool converted = localtime_r(&second, &local) != nullptr;
-  text.date_length = converted ? std::strftime(text.date, sizeof text.date, "%Y-%m-%d ", &local) : 0;
-  text.time_length = converted ? std::strftime(text.time, sizeof text.time, "%H:%M:%S", &local) : 0;
+  text.date_length = converted ? std::strftime(text.text, kConversionSize, "%Y-%m-%d ", &local) : 0;
+  sint8* const time_text = text.text + text.date_length;
+  text.time_length = converted ? std::strftime(time_text, kConversionSize, "%H:%M:%S", &local) : 0;
   text.second = second;
   text.zone = CurrentZone();
   text.valid = true;

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <ctime>
+#include <string_view>
 
 #include "Common/BaseTypes.h"
 
@@ -38,10 +39,14 @@ struct SecondText {
   bool valid;  // the fields below are those of second
   std::time_t second;
   ZoneMark zone;
-  std::size_t date_length;      // 0: the date could not be converted
-  std::size_t time_length;      // 0: the time could not be converted
-  sint8 date[kConversionSize];  // "%Y-%m-%d "
-  sint8 time[kConversionSize];  // "%H:%M:%S"
+  std::size_t date_length;          // 0: the date could not be converted
+  std::size_t time_length;          // 0: the time could not be converted
+  sint8 text[2 * kConversionSize];  // "%Y-%m-%d " and directly behind it "%H:%M:%S"
+
+  std::string_view View(bool with_date, bool with_time) const {
+    return {text + (with_date ? 0 : date_length),
+            (with_date ? date_length : 0) + (with_time ? time_length : 0)};
+  }
 };
 
 // Makes text that of `second`, converting only for another second or after a change of the time zone. The

@@ -7,7 +7,6 @@
 #include <climits>
 #include <cstdlib>
 #include <cstring>
-#include <initializer_list>
 #include <iterator>
 #include <span>
 #include <string_view>
@@ -37,13 +36,6 @@ class HeaderText {
     if (piece.size() > text_.size() - length_) return false;
     if (!piece.empty()) std::memcpy(text_.data() + length_, piece.data(), piece.size());
     length_ += piece.size();
-    return true;
-  }
-
-  [[nodiscard]] bool Append(std::initializer_list<std::string_view> pieces) {
-    for (const std::string_view piece : pieces) {
-      if (!Append(piece)) return false;
-    }
     return true;
   }
 
@@ -111,11 +103,12 @@ SourcePosition LoadSource(LogHandleRec& handle) {
 bool AppendSource(LogHandleRec& handle, HeaderText& header) {
   if (!handle.log_src_file && !handle.log_src_line) return true;
   const SourcePosition source = LoadSource(handle);
-  if (handle.log_src_file && source.file[0] != '\0' && !header.Append({"[", source.file, "] "})) return false;
+  const bool shows_file = handle.log_src_file && source.file[0] != '\0';
+  if (shows_file && !(header.Append("[") && header.Append(source.file) && header.Append("] "))) return false;
   if (!handle.log_src_line || source.line == 0) return true;
   sint8 digits[10];  // of the largest uint32
   const std::to_chars_result end = std::to_chars(std::begin(digits), std::end(digits), source.line);
-  return header.Append({"[", {digits, end.ptr}, "] "});
+  return header.Append("[") && header.Append({digits, end.ptr}) && header.Append("] ");
 }
 
 // Appends the pieces of a line's header in their fixed order. Reports and returns 10 when one cannot be
@@ -135,13 +128,12 @@ sint32 AppendHeader(LogHandleRec& handle, const vintra::ClockReading& now, std::
   const auto digit = [&now](uint32 place) { return static_cast<sint8>('0' + now.millisecond / place % 10); };
   const sint8 milliseconds[] = {'.', digit(100), digit(10), digit(1), ' '};
 
-  const bool complete =
-      (!handle.log_new_line || handle.file_size == 0 || header.Append("\r\n")) &&
-      (!handle.log_date || header.Append({second.date, second.date_length})) &&
-      (!handle.log_time ||
-       header.Append({{second.time, second.time_length}, {milliseconds, sizeof milliseconds}})) &&
-      (!handle.log_level_info || header.Append(tag)) &&
-      header.Append({vintra::FieldText(handle.log_module_name), "  "}) && AppendSource(handle, header);
+  const bool complete = (!handle.log_new_line || handle.file_size == 0 || header.Append("\r\n")) &&
+                        header.Append(second.View(handle.log_date != 0, handle.log_time != 0)) &&
+                        (!handle.log_time || header.Append({milliseconds, sizeof milliseconds})) &&
+                        (!handle.log_level_info || header.Append(tag)) &&
+                        header.Append(vintra::FieldText(handle.log_module_name)) && header.Append("  ") &&
+                        AppendSource(handle, header);
   if (complete) return vintra::kSuccess;
   REPORT_ERROR("logMsgWriteFile sprintf failed(errorcode:%d).", -1);
   return vintra::kHeaderFailed;
