@@ -18,7 +18,7 @@
 namespace {
 
 constexpr uint32 kFlushSize = 65536;
-constexpr uint32 kFileLimit = 64 * 1024 * 1024;
+constexpr uint32 kFileLimit = 4 * 1024 * 1024;  // small enough to stay in memory that is warm
 constexpr std::size_t kStreamBuffer = kFlushSize + 2048;
 
 std::string FilePath(const char* name) {
