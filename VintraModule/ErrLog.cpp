@@ -5,9 +5,9 @@
 #include <cerrno>
 #include <cstdarg>
 #include <cstdio>
+#include <string_view>
 
 #include "Common/Handles.h"
-#include "Common/Text.h"
 #include "FolderModule/FolderModule.h"
 #include "FolderModule/PathParts.h"
 #include "VintraModule/LogClock.h"

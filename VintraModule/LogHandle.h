@@ -54,7 +54,8 @@ struct LogHandleRec {
   sint8 log_file_name[VINTRA_TEXT_SIZE];
   sint8 log_file_ext[VINTRA_TEXT_SIZE];
 
-  // SourceInfo, without the lock: read and written byte by byte as atomics only, and the last byte stays 0.
+  // SourceInfo, without the lock: read and written as atomics only, the name byte by byte, whose last one
+  // stays 0.
   uint32 src_line;
   sint8 src_file[VINTRA_TEXT_SIZE];
 

@@ -1,5 +1,6 @@
 #include "VintraModule/VintraModuleExtract.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <memory>
 #include <new>
