@@ -2,11 +2,15 @@
 #ifndef VINTRA_COMMON_HANDLES_H
 #define VINTRA_COMMON_HANDLES_H
 
+#include <dirent.h>
 #include <pthread.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <cstdio>
 #include <cstdlib>
 #include <memory>
+#include <string_view>
 #include <utility>
 
 namespace vintra {
@@ -18,10 +22,23 @@ struct FreeHeap {
 // Text in a block of malloc, which unlike new can be grown in place and reports failure by a null pointer.
 using HeapText = std::unique_ptr<char, FreeHeap>;
 
+struct CloseStream {
+  void operator()(std::FILE* stream) const { std::fclose(stream); }
+};
+
+// A stream that is read: whoever writes one looks at what closing it says.
+using FilePtr = std::unique_ptr<std::FILE, CloseStream>;
+
+struct CloseFolder {
+  void operator()(DIR* folder) const { closedir(folder); }
+};
+
+using DirPtr = std::unique_ptr<DIR, CloseFolder>;
+
 class FileDescriptor {
  public:
   explicit FileDescriptor(int descriptor) : descriptor_(descriptor) {}
-  FileDescriptor(const FileDescriptor&) = delete;
+  FileDescriptor(FileDescriptor&& other) noexcept : descriptor_(other.release()) {}
   FileDescriptor& operator=(const FileDescriptor&) = delete;
   ~FileDescriptor() {
     if (*this) close(descriptor_);
@@ -30,6 +47,19 @@ class FileDescriptor {
   explicit operator bool() const { return descriptor_ >= 0; }
   int get() const { return descriptor_; }
   int release() { return std::exchange(descriptor_, -1); }
+
+  // Returns how many of the bytes were written, in one call unless a signal or a full disk cuts it short.
+  // When fewer than all, errno says why.
+  std::size_t WriteAll(std::string_view bytes) const {
+    std::size_t written = 0;
+    while (written < bytes.size()) {
+      const ssize_t count = write(descriptor_, bytes.data() + written, bytes.size() - written);
+      if (count < 0 && errno == EINTR) continue;
+      if (count <= 0) break;
+      written += static_cast<std::size_t>(count);
+    }
+    return written;
+  }
 
  private:
   int descriptor_;

@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 
-#include <cerrno>
 #include <cstdarg>
 #include <cstdio>
 #include <string_view>
@@ -67,13 +66,5 @@ sint32 PrintErrLog(const sint8* file_name, uint32 line, const sint8* format, ...
   va_end(args);
   if (!text) return 0;
 
-  const std::string_view whole = text.get();
-  std::size_t written = 0;
-  while (written < whole.size()) {  // once, unless a signal or a full disk cuts the write short
-    const ssize_t count = write(file.get(), whole.data() + written, whole.size() - written);
-    if (count < 0 && errno == EINTR) continue;
-    if (count <= 0) break;
-    written += static_cast<std::size_t>(count);
-  }
-  return static_cast<sint32>(written);
+  return static_cast<sint32>(file.WriteAll(text.get()));
 }

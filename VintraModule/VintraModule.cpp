@@ -1,13 +1,16 @@
 #include "VintraModule/VintraModule.h"
 
+#include <cerrno>
 #include <cstdarg>
 #include <cstddef>
 #include <cstring>
 #include <memory>
+#include <utility>
 
 #include "Common/Handles.h"
 #include "Common/Text.h"
 #include "VintraModule/LogFile.h"
+#include "VintraModule/Scrambling.h"
 #include "VintraModule/VintraModuleExtract.h"
 #include "VintraModule/VintraModuleInter.h"
 
@@ -69,6 +72,23 @@ void LOG_MODULE_DESTORY(LOGHANDLE* a_log_handle) {
     vintra::CloseLogFile(*handle);
   }
   *a_log_handle = null_log_handle;
+}
+
+sint32 FileConvert(const sint8* oldFile, const sint8* newFile) {
+  if (oldFile == nullptr || newFile == nullptr) return vintra::kInvalidArgument;
+  int error = errno;
+  const sint32 code = vintra::ScrambleFile(oldFile, newFile, error);
+  if (code == 0) errno = error;
+  return code;
+}
+
+sint32 GetEncryptData(const sint8* sourceData, uint32 sourcelength, sint8* destData, uint32* destDatalength) {
+  if (sourceData == nullptr || destData == nullptr || destDatalength == nullptr)
+    return vintra::kInvalidArgument;
+  const uint32 capacity = std::exchange(*destDatalength, sourcelength);
+  if (sourcelength > capacity) return vintra::kInvalidArgument;
+  vintra::ScrambleInto(destData, sourceData, sourcelength);
+  return vintra::kSuccess;
 }
 
 #define VINTRA_LEVEL_ENTRY(name, level)                                                             \

@@ -190,6 +190,33 @@ VINTRA_API LOGHANDLE SourceInfo(LOGHANDLE log_handle, const sint8* source_file_n
 VINTRA_API void LOG_MODULE_DESTORY(LOGHANDLE* a_log_handle);
 
 /*
+ * Scrambles the file oldFile into newFile, byte by byte with XOR 0x3C: a scrambled log becomes readable, and
+ * any file scrambled. newFile is created, or emptied and overwritten. Both are paths as open takes them,
+ * relative to the working directory. Needs no handle; a log that is being written is converted as far as it
+ * was flushed.
+ *
+ * Returns
+ *   0  done. Failing writes, as on a full disk, are not part of the result: they end the call with 0 and
+ * errno set, which a successful call leaves as it was 1  a null argument 5  oldFile cannot be opened or read,
+ * or is a folder; newFile cannot be created or emptied; both are the same file, by whatever names; or there
+ * is no memory for a buffer of 128 KiB. Only a read that fails on the way leaves a changed newFile, with what
+ * was read until then
+ */
+VINTRA_API sint32 FileConvert(const sint8* oldFile, const sint8* newFile);
+
+/*
+ * Scrambles sourcelength bytes of sourceData into destData, in the way of FileConvert and from the last byte
+ * to the first; NUL bytes are bytes like any other, and none is added. destData may be sourceData. Where the
+ * two overlap otherwise, a destData behind sourceData receives the right bytes, and one before it those that
+ * the order gives. *destDatalength says how many bytes destData has room for, and receives sourcelength.
+ *
+ * Returns 0, or 1 with destData unchanged: for a null argument, which changes nothing at all, or when there
+ * is too little room, where *destDatalength then says how much is needed.
+ */
+VINTRA_API sint32 GetEncryptData(const sint8* sourceData, uint32 sourcelength, sint8* destData,
+                                 uint32* destDatalength);
+
+/*
  * Write one record of a level: format and its arguments as for printf, any length. The message stands in the
  * file as formatted, up to a NUL byte if it has one, with no line break added; "%m" gives the errno at the
  * call, which the call leaves unchanged.

@@ -16,6 +16,7 @@
 #include "FolderModule/PathParts.h"
 #include "VintraModule/FileMode.h"
 #include "VintraModule/LogFile.h"
+#include "VintraModule/Scrambling.h"
 
 const LogHandleRec null_log_handle_rec = {};
 
@@ -24,7 +25,6 @@ namespace {
 using vintra::HeapText;
 
 constexpr std::size_t kMessageSize = 1024;  // of the first attempt, which nearly always fits
-constexpr sint8 kScrambleMask = 0x3C;
 
 // CR LF 2, date 63, time 63, ".%03u " 5, tag 10, two names of 63, line number 10, blanks and brackets 8: 287.
 constexpr std::size_t kHeaderSize = 1024;
@@ -139,14 +139,10 @@ sint32 AppendHeader(LogHandleRec& handle, const vintra::ClockReading& now, std::
   return vintra::kHeaderFailed;
 }
 
-void Scramble(std::span<sint8> bytes) {
-  for (sint8& byte : bytes) byte ^= kScrambleMask;
-}
-
 // Writes one piece of a record as one item and counts it. Returns the number of items written. The stream
 // locks itself: a host that calls fflush(nullptr) reaches it without the handle's mutex.
 std::size_t WritePiece(LogHandleRec& handle, FILE* file_out, std::span<sint8> piece) {
-  if (handle.log_encrypt == 1) Scramble(piece);
+  if (handle.log_encrypt == 1) vintra::Scramble(piece);
   const std::size_t items = std::fwrite(piece.data(), piece.size(), 1, file_out);
   if (items == 1) handle.file_size += static_cast<uint32>(piece.size());
   return items;
