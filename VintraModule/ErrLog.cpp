@@ -52,13 +52,12 @@ HeapText ComposeLine(const vintra::ClockReading& now, const sint8* file_name, ui
 
 sint32 PrintErrLog(const sint8* file_name, uint32 line, const sint8* format, ...) {
   const vintra::CancellationPause pause;
-  vintra::ClockReading now;
-  const bool clock_read = vintra::ReadClock(now);
+  const vintra::ClockReading now = vintra::ReadClock();
   sint8 path[kErrLogPathSize];
   ComposeErrLogPath(path);
   const vintra::FileDescriptor file(open(path, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666));
   if (!file) return 0;
-  if (!clock_read) return vintra::kClockUnreadable;
+  if (!now.valid) return vintra::kClockUnreadable;
 
   va_list args;
   va_start(args, format);

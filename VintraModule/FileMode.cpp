@@ -13,23 +13,17 @@ constexpr FileMode kFileModes[] = {
        return SetVintraFileName(handle, path);
      },
      [](LogHandleRec* handle, sint8*, sint8* path) { return SimpleMode(handle, path); }},
+    {Log_Mode_Rollback, SetRollbackLogFileName, RollbackMode},
+    {Log_Mode_Date, SetDateLogFileName, DateMode},
 };
-
-// Null for a mode without a row.
-const FileMode* FindRow(LogMode mode) {
-  for (const FileMode& row : kFileModes) {
-    if (row.mode == mode) return &row;
-  }
-  return nullptr;
-}
 
 }  // namespace
 
-bool OffersFileMode(LogMode mode) { return FindRow(mode) != nullptr; }
-
 const FileMode& FindFileMode(LogMode mode) {
-  const FileMode* const row = FindRow(mode);
-  return row == nullptr ? kFileModes[0] : *row;
+  for (const FileMode& row : kFileModes) {
+    if (row.mode == mode) return row;
+  }
+  return kFileModes[0];
 }
 
 }  // namespace vintra

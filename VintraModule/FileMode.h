@@ -17,10 +17,7 @@ struct FileMode {
   sint32 (*rollover)(LogHandleRec* log_handle, sint8* file_name, sint8* log_file_name);
 };
 
-// Whether there is a row for the mode.
-bool OffersFileMode(LogMode mode);
-
-// The mode's row; a mode without one behaves as the simple mode.
+// The mode's row; an unknown mode behaves as the simple mode.
 const FileMode& FindFileMode(LogMode mode);
 
 }  // namespace vintra

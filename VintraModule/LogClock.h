@@ -13,14 +13,17 @@ namespace vintra {
 constexpr std::size_t kConversionSize = 64;  // of one date or time conversion, terminator included
 
 struct ClockReading {
-  std::time_t second = 0;
-  uint32 millisecond = 0;
+  bool valid;  // false: the clock could not be read
+  std::time_t second;
+  uint32 millisecond;
 };
 
 // Reads the clock. The milliseconds come from one call and the second from a later one, which may stand on
-// the other side of a second's edge; the second is then the one that the milliseconds belong to. Returns
-// false when the clock cannot be read.
-bool ReadClock(ClockReading& now);
+// the other side of a second's edge; the second is then the one that the milliseconds belong to.
+ClockReading ReadClock();
+
+// Converts to local time, by the time zone as it is now. Returns false for a second that has no date.
+bool ConvertToLocal(std::time_t second, std::tm& local);
 
 // What the C library last knew of the local time zone. Its names are compared as pointers and never read:
 // another thread may be replacing them.
@@ -33,12 +36,13 @@ struct ZoneMark {
   bool operator==(const ZoneMark&) const = default;
 };
 
-// Date and time text of one second in local time, kept so that it is converted once a second and not once a
-// record. All zero is the empty cache.
+// Day, date text and time text of one second in local time, kept so that it is converted once a second and
+// not once a record. All zero is the empty cache.
 struct SecondText {
   bool valid;  // the fields below are those of second
   std::time_t second;
   ZoneMark zone;
+  uint32 day;                       // as the number yyyymmdd; 0: there is none
   std::size_t date_length;          // 0: the date could not be converted
   std::size_t time_length;          // 0: the time could not be converted
   sint8 text[2 * kConversionSize];  // "%Y-%m-%d " and directly behind it "%H:%M:%S"
@@ -53,6 +57,10 @@ struct SecondText {
 // second just before the last one counts as the last one, which then lasts for two: stamps do not step back
 // by a second when the clock is, as for a leap second.
 void UpdateSecondText(SecondText& text, std::time_t second);
+
+// The local day of a reading as the number yyyymmdd, by way of the cache. 0 when the clock could not be read
+// or its second has no date, or none before the year 214748.
+uint32 LocalDay(SecondText& text, const ClockReading& now);
 
 }  // namespace vintra
 

@@ -52,12 +52,10 @@ bool OpenLogFile(LogHandleRec& handle, const sint8* name, OpenMode mode, sint8* 
          OpenPath(handle, path, mode);
 }
 
-bool RollLogFile(LogHandleRec& handle, const sint8* name, sint8* path) {
-  const CancellationPause pause;
+void EndLogFile(LogHandleRec& handle) {
   CloseLogFile(handle);
   handle.file_size = 0;
   handle.first_flush_due = true;
-  return OpenLogFile(handle, name, OpenMode::kEmpty, path);
 }
 
 bool RestartLogFile(LogHandleRec& handle, const sint8* path) {

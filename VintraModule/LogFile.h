@@ -17,9 +17,9 @@ enum class OpenMode {
 // failure. The caller reports: each operation owns its message.
 bool OpenLogFile(LogHandleRec& handle, const sint8* name, OpenMode mode, sint8* path);
 
-// Moves on to the file of that name, emptied, as OpenLogFile does. flush_size stays, and the new file's first
-// record is due for a flush.
-bool RollLogFile(LogHandleRec& handle, const sint8* name, sint8* path);
+// Ends the current file in favour of the next one, which starts at size 0. flush_size stays, and the next
+// file's first record is due for a flush.
+void EndLogFile(LogHandleRec& handle);
 
 // Closes the current file, if any, and starts the file at path over.
 bool RestartLogFile(LogHandleRec& handle, const sint8* path);

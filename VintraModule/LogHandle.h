@@ -14,7 +14,7 @@ namespace vintra {
 
 constexpr std::size_t kPathSize = VINTRA_PATH_SIZE;
 constexpr std::size_t kTextSize = VINTRA_TEXT_SIZE;
-constexpr std::size_t kFileNameSize = 256;  // of a file name that a mode composes
+constexpr std::size_t kFileNameSize = 256;  // of a file name that a mode composes, or of a folder's entry
 constexpr uint32 kLiveMark = 0xF0F0;
 
 enum ResultCode : sint32 {
@@ -80,6 +80,8 @@ struct LogHandleRec {
   uint32 log_encrypt;
 
   // Behind the published fields, under Critical_Section.
+  vintra::ClockReading
+      now;  // of the record being written: what decides its file is also what it is stamped with
   vintra::SecondText second_text;
   sint8* stream_buffer;  // lent to file_out; null where the stream has its own
   bool first_flush_due;  // a roll has started the file, and nothing of it has been flushed yet

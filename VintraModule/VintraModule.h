@@ -70,12 +70,38 @@ typedef enum LogLevel VINTRA_ENUM_BASE {
   Log_Level_Disable = 9 /* as a threshold: no folder is made, no file opened, every record dropped */
 } LogLevel;
 
-/* How the files of a log grow. This version offers the simple mode; start-up refuses the other two with 1 and
- * a line in the error log. */
+/*
+ * How the files of a log grow, here for "app.log" and a max_backup_index of 20. Numbers have at least three
+ * digits.
+ *
+ * Simple: one file, app.log. Start-up appends to it, or empties one at or above max_file_size. The first
+ * record after it has reached max_file_size empties it.
+ *
+ * Rollback: a ring of 20 files, app000.log to app019.log. Start-up goes on in the first of them that is below
+ * max_file_size; when all are at or above it, app000.log is emptied. The first record after the file has
+ * grown beyond max_file_size (by one byte or more) empties the next file of the ring and goes there; behind
+ * the last file stands the first. With a max_backup_index of 0 start-up takes app000.log and numbers never
+ * wrap.
+ *
+ * Date: files per local day, app_20261116_000.log to app_20261116_019.log for 16 November 2026, which follow
+ * each other within the day as those of a ring do. The first record of another day goes to that day's file
+ * 000, emptied; the day of a record is the one it is stamped with. Setting the clock back across midnight
+ * therefore starts the earlier day's file 000 over. A log that is not written to keeps its file.
+ *
+ * Retention: where log_time_span is not 0, the date mode removes the log's files of days that lie
+ * log_time_span days back or more, at start-up and whenever it moves on to another file. With 7 the files of
+ * today and of the six days before stay. Removed is what has the base name, a character, eight digits, four
+ * characters and the extension for its name, so no number of four digits and no folder, but also what another
+ * log of the same name has left there. In the first hour of a day in summer time yesterday's files still
+ * count as today's. The pass ends at a file that cannot be removed, without a report; the next one tries
+ * again. Records through the handle wait for it.
+ *
+ * Without a usable clock the date mode neither starts up nor writes a record, and keeps its file: 12.
+ */
 typedef enum LogMode VINTRA_ENUM_BASE {
-  Log_Mode_Simple = 1,   /* one file, emptied by the first record after it has reached max_file_size */
-  Log_Mode_Rollback = 2, /* a ring of numbered files */
-  Log_Mode_Date = 3      /* files per local day */
+  Log_Mode_Simple = 1,
+  Log_Mode_Rollback = 2,
+  Log_Mode_Date = 3
 } LogMode;
 
 /* What LOG_MODULE_INIT_Ex needs to know: 348 bytes. Clear the record, then fill it. */
@@ -84,19 +110,20 @@ typedef struct LogConfigRec {
    * is placed under the folder of this library's own file, not under the working directory; a library loaded
    * by a relative path has a relative folder, which follows chdir. The folder, up to 248 characters, is made
    * if it is missing; '\' separates components like '/'. Base name and extension (from its '.' on) have up to
-   * 63 characters each, and a longer one is refused: cut, it could name another log's file. */
+   * 63 characters each, and a longer one is refused: cut, it could name another log's file. The path of every
+   * file has up to 259 characters, with the date and number that the mode adds. */
   sint8 log_file_name[VINTRA_PATH_SIZE];
   LogMode log_mode;
   LogLevel log_level; /* the threshold, fixed for the handle's life */
   /* Size limit of a log file in bytes, 1 to 2147483647. A record is always written whole, so a file may end
-   * one record above its limit. A file found at or above the limit at start-up is emptied, a smaller one
-   * appended to. */
+   * one record above its limit. */
   uint32 max_file_size;
-  uint32 max_backup_index; /* number of files of a ring or day; the simple mode does not use it */
+  uint32
+      max_backup_index; /* number of files of a ring or day, 0 for no end; the simple mode does not use it */
   /* Flush when this many bytes are unflushed. 0 flushes after every record, which is then safe from the death
    * of the process; otherwise a killed process loses at most this many bytes and one record. */
   uint32 file_flush_size;
-  uint32 log_time_span; /* days that the date mode keeps its files, 0 all; the simple mode does not use it */
+  uint32 log_time_span; /* days that the date mode keeps its files, 0 for ever; other modes do not use it */
   /* The pieces of each line, as directives: '%', any number of blanks, and a capital letter. Other text is
    * ignored. Whatever the order of the directives, a line has its pieces in this order:
    *
@@ -109,7 +136,8 @@ typedef struct LogConfigRec {
    *   %L  the source line that SourceInfo stored, if any: "[42] "
    *       the message
    *
-   *   %C  adds nothing to the line: start-up empties the file instead of appending to it
+   *   %C  adds nothing to the line: start-up empties the file instead of appending to it, and takes the file
+   *       000 where files are numbered
    *
    * An empty format means "%N". */
   sint8 log_format[VINTRA_TEXT_SIZE];
@@ -150,8 +178,9 @@ extern "C" {
  * Returns
  *   0  *a_log_handle holds a live handle, to be destroyed with LOG_MODULE_DESTORY
  *   1  a null argument, a max_file_size of 0 or above 2147483647, an empty log_file_name or base name, a base
- *      name or extension of more than 63 characters, a level outside 1 to 9, or a mode that is not offered
+ *      name or extension of more than 63 characters, a level outside 1 to 9, or a mode outside 1 to 3
  *   2, 4, 5, 9  as listed at the top
+ *   12  the date mode has no usable clock
  * After any but 0 no handle exists, and *a_log_handle is as it was.
  */
 VINTRA_API sint32 LOG_MODULE_INIT_Ex(const LogConfigRec* a_log_config, LOGHANDLE* a_log_handle);

@@ -14,6 +14,8 @@
 #include "VintraModule/ErrLog.h"
 #include "VintraModule/FileMode.h"
 #include "VintraModule/LogFile.h"
+#include "VintraModule/LogNames.h"
+#include "VintraModule/Retention.h"
 #include "VintraModule/VintraLinuxFunc.h"
 
 namespace {
@@ -66,19 +68,6 @@ bool IsValid(const LogConfigRecEx& config) {
          config.log_mode >= Log_Mode_Simple && config.log_mode <= Log_Mode_Date;
 }
 
-// What is valid but cannot be had is refused with a message rather than done in part.
-sint32 CheckOffered(const LogConfigRecEx& config) {
-  if (!vintra::OffersFileMode(config.log_mode)) {
-    REPORT_ERROR("LOG_MODULE_INIT_Ex log_mode(%u) is not available.", static_cast<unsigned>(config.log_mode));
-    return vintra::kInvalidArgument;
-  }
-  if (config.max_file_size > INT32_MAX) {
-    REPORT_ERROR("LOG_MODULE_INIT_Ex max_file_size(%u) is above %d.", config.max_file_size, INT32_MAX);
-    return vintra::kInvalidArgument;
-  }
-  return vintra::kSuccess;
-}
-
 // Sets the folder, the base name and the extension of the log file.
 sint32 SetFileNames(std::string_view file_name, LogHandleRec& handle) {
   const vintra::PathParts parts = vintra::SplitPathParts(file_name);
@@ -106,6 +95,39 @@ sint32 SetFileNames(std::string_view file_name, LogHandleRec& handle) {
   return vintra::kInvalidArgument;
 }
 
+sint32 ReportNotOpened(const sint8* path) {
+  REPORT_ERROR("LOG_MODULE_INIT_Ex open file(%s) for write failed.", path);
+  return vintra::kNoFile;
+}
+
+sint32 ReportNoSize(const LogHandleRec& handle) {
+  REPORT_ERROR("Bad file handle %d.", vintra::StreamNumber(handle.file_out));
+  return vintra::kNoFile;
+}
+
+// Limits are at most INT32_MAX, as sizes are.
+bool HasRoom(const LogHandleRec& handle, sint32 size) {
+  return size < static_cast<sint32>(handle.max_file_size);
+}
+
+using NameComposer = void (*)(const LogHandleRec& handle, uint32 number, sint8* name);
+
+// Opens the first of a mode's numbered files that is not full, creating none behind it, or the first file of
+// all when it is to be emptied or all are full. Returns false when a file could not be opened, or with
+// file_out open when its size could not be read.
+bool OpenFirstWithRoom(LogHandleRec& handle, NameComposer compose, sint8* name, sint8* path) {
+  for (uint32 number = 0;; ++number) {
+    handle.cur_log_file_ID = vintra::RingNumber(number, handle.max_backup_index);
+    compose(handle, handle.cur_log_file_ID, name);
+    if (!vintra::OpenLogFile(handle, name, vintra::OpenMode::kAppend, path)) return false;
+    if (handle.log_swith || number == handle.max_backup_index) return true;
+    const sint32 size = getFileSize(&handle);
+    if (size == -1) return false;
+    if (HasRoom(handle, size)) return true;
+    vintra::CloseLogFile(handle);
+  }
+}
+
 void CopyModuleName(const LogConfigRecEx& config, LogHandleRec& handle) {
   if (CopyText(handle.log_module_name, FieldText(config.module_name))) return;
   REPORT_ERROR("LOG_MODULE_INIT_Ex module_name(%s) has no terminator and is cut.", handle.log_module_name);
@@ -131,7 +153,10 @@ void HandleCloser::operator()(LogHandleRec* handle) const {
 sint32 LogModuleInitExtract(const LogConfigRecEx* a_log_config, LOGHANDLE* a_log_handle) {
   if (a_log_config == nullptr || a_log_handle == nullptr || !IsValid(*a_log_config))
     return vintra::kInvalidArgument;
-  if (const sint32 code = CheckOffered(*a_log_config); code != 0) return code;
+  if (a_log_config->max_file_size > INT32_MAX) {
+    REPORT_ERROR("LOG_MODULE_INIT_Ex max_file_size(%u) is above %d.", a_log_config->max_file_size, INT32_MAX);
+    return vintra::kInvalidArgument;
+  }
 
   const vintra::CancellationPause pause;
   HandlePtr handle(new (std::nothrow) LogHandleRec(null_log_handle_rec));
@@ -181,25 +206,40 @@ sint32 SetLogFilesize(const LogConfigRecEx* a_log_config, LogHandleRec* log_hand
 
   if (!log_handle->log_swith) {
     const sint32 size = getFileSize(log_handle);
-    if (size == -1) {
-      REPORT_ERROR("Bad file handle %d.", vintra::StreamNumber(log_handle->file_out));
-      return vintra::kNoFile;
-    }
-    if (size < static_cast<sint32>(log_handle->max_file_size)) {
+    if (size == -1) return ReportNoSize(*log_handle);
+    if (HasRoom(*log_handle, size)) {
       log_handle->file_size = static_cast<uint32>(size);
       return vintra::kSuccess;
     }
   }
   if (vintra::RestartLogFile(*log_handle, log_file_name)) return vintra::kSuccess;
-  REPORT_ERROR("LOG_MODULE_INIT_Ex open file(%s) for write failed.", log_file_name);
-  return vintra::kNoFile;
+  return ReportNotOpened(log_file_name);
 }
 
 sint32 SetVintraFileName(LogHandleRec* log_handle, sint8* log_file_name) {
   if (vintra::OpenLogFile(*log_handle, log_handle->log_file_name, vintra::OpenMode::kAppend, log_file_name)) {
     return vintra::kSuccess;
   }
-  REPORT_ERROR("LOG_MODULE_INIT_Ex open file(%s) for write failed.", log_file_name);
+  return ReportNotOpened(log_file_name);
+}
+
+sint32 SetRollbackLogFileName(const LogConfigRecEx* a_log_config, LogHandleRec* log_handle, sint8* file_name,
+                              sint8* log_file_name) {
+  log_handle->max_backup_index = a_log_config->max_backup_index;
+  if (OpenFirstWithRoom(*log_handle, vintra::RollbackName, file_name, log_file_name)) return vintra::kSuccess;
+  return log_handle->file_out == nullptr ? ReportNotOpened(log_file_name) : ReportNoSize(*log_handle);
+}
+
+sint32 SetDateLogFileName(const LogConfigRecEx* a_log_config, LogHandleRec* log_handle, sint8* file_name,
+                          sint8* log_file_name) {
+  log_handle->log_time_span = a_log_config->log_time_span;
+  log_handle->max_backup_index = a_log_config->max_backup_index;
+  vintra::RemoveExpiredFiles(*log_handle);
+  log_handle->cur_date_ID = vintra::LocalDay(log_handle->second_text, vintra::ReadClock());
+  if (log_handle->cur_date_ID == 0) return vintra::kClockUnreadable;
+  if (OpenFirstWithRoom(*log_handle, vintra::DateName, file_name, log_file_name)) return vintra::kSuccess;
+  if (log_handle->file_out == nullptr) return ReportNotOpened(log_file_name);
+  REPORT_ERROR("Bad file handle %d", vintra::StreamNumber(log_handle->file_out));
   return vintra::kNoFile;
 }
 

@@ -22,8 +22,16 @@ sint32 LogModuleInitExtract(const LogConfigRecEx* a_log_config, LOGHANDLE* a_log
 sint32 SetLogFilesize(const LogConfigRecEx* a_log_config, LogHandleRec* log_handle, sint8* file_name,
                       sint8* log_file_name);
 
-// The simple mode's start placement. log_file_name (260 bytes) receives the full path.
+// The start placements of the modes: open the current file and set the mode's own fields. log_file_name (260
+// bytes) receives the full path; file_name is scratch of 256 bytes.
+//
+// The simple mode has one file. The rollback mode goes on with the first file of the ring that is not full,
+// the date mode with the first such file of the day, after removing expired ones.
 sint32 SetVintraFileName(LogHandleRec* log_handle, sint8* log_file_name);
+sint32 SetRollbackLogFileName(const LogConfigRecEx* a_log_config, LogHandleRec* log_handle, sint8* file_name,
+                              sint8* log_file_name);
+sint32 SetDateLogFileName(const LogConfigRecEx* a_log_config, LogHandleRec* log_handle, sint8* file_name,
+                          sint8* log_file_name);
 
 // Set the switches that the three formats ask for. Switches are never cleared.
 void AnalysisLogFormat(const LogConfigRecEx* a_log_config, LogHandleRec* log_handle);

@@ -16,6 +16,8 @@
 #include "FolderModule/PathParts.h"
 #include "VintraModule/FileMode.h"
 #include "VintraModule/LogFile.h"
+#include "VintraModule/LogNames.h"
+#include "VintraModule/Retention.h"
 #include "VintraModule/Scrambling.h"
 
 const LogHandleRec null_log_handle_rec = {};
@@ -113,8 +115,8 @@ bool AppendSource(LogHandleRec& handle, HeaderText& header) {
 
 // Appends the pieces of a line's header in their fixed order. Reports and returns 10 when one cannot be
 // formatted.
-sint32 AppendHeader(LogHandleRec& handle, const vintra::ClockReading& now, std::string_view tag,
-                    HeaderText& header) {
+sint32 AppendHeader(LogHandleRec& handle, std::string_view tag, HeaderText& header) {
+  const vintra::ClockReading& now = handle.now;
   const vintra::SecondText& second = handle.second_text;
   if (handle.log_date || handle.log_time) vintra::UpdateSecondText(handle.second_text, now.second);
   if ((handle.log_date && second.date_length == 0) || (handle.log_time && second.time_length == 0)) {
@@ -146,6 +148,13 @@ std::size_t WritePiece(LogHandleRec& handle, FILE* file_out, std::span<sint8> pi
   const std::size_t items = std::fwrite(piece.data(), piece.size(), 1, file_out);
   if (items == 1) handle.file_size += static_cast<uint32>(piece.size());
   return items;
+}
+
+// Opens the next file, emptied. The one before it has been ended.
+sint32 OpenNextFile(LogHandleRec& handle, const sint8* name, sint8* path) {
+  if (vintra::OpenLogFile(handle, name, vintra::OpenMode::kEmpty, path)) return vintra::kSuccess;
+  REPORT_ERROR("LogMsg open file(%s) for write failed.", path);
+  return vintra::kNoFile;
 }
 
 }  // namespace
@@ -207,6 +216,7 @@ sint32 LogMsg(LogHandleRec* log_handle, const sint8* log_level, sint8* msg) {
 
   const vintra::MutexLock lock(log_handle->Critical_Section);
   if (log_handle->file_out == nullptr) return vintra::kInvalidArgument;
+  log_handle->now = vintra::ReadClock();
   const vintra::FileMode& mode = vintra::FindFileMode(log_handle->log_mode);
   if (const sint32 code = mode.rollover(log_handle, file_name, path); code != 0) return code;
   const sint32 code = logMsgWriteFile(log_handle, log_handle->file_out, log_level, msg);
@@ -217,10 +227,9 @@ sint32 LogMsg(LogHandleRec* log_handle, const sint8* log_level, sint8* msg) {
 }
 
 sint32 logMsgWriteFile(LogHandleRec* log_handle, FILE* file_out, const sint8* log_level, sint8* str) {
-  vintra::ClockReading now;
-  if (!vintra::ReadClock(now)) return vintra::kClockUnreadable;
+  if (!log_handle->now.valid) return vintra::kClockUnreadable;
   HeaderText header;
-  if (const sint32 code = AppendHeader(*log_handle, now, log_level, header); code != 0) return code;
+  if (const sint32 code = AppendHeader(*log_handle, log_level, header); code != 0) return code;
 
   if (const std::size_t items = WritePiece(*log_handle, file_out, header.Bytes()); items != 1) {
     REPORT_ERROR("logMsgWriteFile fwrite failed(errorcode:%d).", static_cast<int>(items));
@@ -241,7 +250,33 @@ sint32 logMsgWriteFile(LogHandleRec* log_handle, FILE* file_out, const sint8* lo
 
 sint32 SimpleMode(LogHandleRec* log_handle, sint8* log_file_name) {
   if (log_handle->file_size < log_handle->max_file_size) return vintra::kSuccess;
-  if (vintra::RollLogFile(*log_handle, log_handle->log_file_name, log_file_name)) return vintra::kSuccess;
-  REPORT_ERROR("LogMsg open file(%s) for write failed.", log_file_name);
-  return vintra::kNoFile;
+  const vintra::CancellationPause pause;
+  vintra::EndLogFile(*log_handle);
+  return OpenNextFile(*log_handle, log_handle->log_file_name, log_file_name);
+}
+
+sint32 RollbackMode(LogHandleRec* log_handle, sint8* file_name, sint8* log_file_name) {
+  // Unlike in the simple mode, a record that lands exactly on the limit is followed by one more.
+  if (log_handle->file_size <= log_handle->max_file_size) return vintra::kSuccess;
+  const vintra::CancellationPause pause;
+  vintra::EndLogFile(*log_handle);
+  log_handle->cur_log_file_ID =
+      vintra::RingNumber(log_handle->cur_log_file_ID + 1, log_handle->max_backup_index);
+  vintra::RollbackName(*log_handle, log_handle->cur_log_file_ID, file_name);
+  return OpenNextFile(*log_handle, file_name, log_file_name);
+}
+
+sint32 DateMode(LogHandleRec* log_handle, sint8* file_name, sint8* log_file_name) {
+  const uint32 day = vintra::LocalDay(log_handle->second_text, log_handle->now);
+  if (day == 0) return vintra::kClockUnreadable;
+  const bool same_day = day == log_handle->cur_date_ID;
+  if (same_day && log_handle->file_size <= log_handle->max_file_size) return vintra::kSuccess;
+  const vintra::CancellationPause pause;
+  vintra::EndLogFile(*log_handle);
+  vintra::RemoveExpiredFiles(*log_handle);
+  log_handle->cur_log_file_ID =
+      same_day ? vintra::RingNumber(log_handle->cur_log_file_ID + 1, log_handle->max_backup_index) : 0;
+  log_handle->cur_date_ID = day;
+  vintra::DateName(*log_handle, log_handle->cur_log_file_ID, file_name);
+  return OpenNextFile(*log_handle, file_name, log_file_name);
 }

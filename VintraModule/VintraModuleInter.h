@@ -31,10 +31,19 @@ void GetLogLevel(const sint8* level, sint8* str, LogLevel& log_level);
 sint32 LogMsg(LogHandleRec* log_handle, const sint8* log_level, sint8* msg);
 
 // Writes header and message to file_out, counts them and flushes when enough bytes have gathered. log_level
-// is the tag. The lock is held.
+// is the tag, and the stamp is the handle's reading of the clock. The lock is held.
 sint32 logMsgWriteFile(LogHandleRec* log_handle, FILE* file_out, const sint8* log_level, sint8* str);
 
-// The simple mode's rollover check: empties a file that has reached the limit.
+// The rollover checks of the modes. Both texts are scratch of 260 bytes.
+//
+// The simple mode empties a file that has reached the limit.
 sint32 SimpleMode(LogHandleRec* log_handle, sint8* log_file_name);
+
+// The rollback mode moves on to the next file of the ring, emptied, from one that is past the limit.
+sint32 RollbackMode(LogHandleRec* log_handle, sint8* file_name, sint8* log_file_name);
+
+// The date mode starts the day's first file on a new day, and moves on to the day's next one from one that is
+// past the limit, removing expired files each time.
+sint32 DateMode(LogHandleRec* log_handle, sint8* file_name, sint8* log_file_name);
 
 #endif

@@ -14,7 +14,6 @@ TEST_F(StartupTest, RefusedRecords) {
       {[](auto& config) { config.log_level = static_cast<LogLevel>(10); }, ""},
       {[](auto& config) { config.log_mode = static_cast<LogMode>(0); }, ""},
       {[](auto& config) { config.log_mode = static_cast<LogMode>(4); }, ""},
-      {[](auto& config) { config.log_mode = Log_Mode_Date; }, "log_mode(3) is not available."},
       {[](auto& config) { config.max_file_size = 1U << 31; }, "max_file_size(2147483648) is above 2147483647."},
       {[](auto& config) { std::strcpy(config.PidandTid, "%P"); }, "banners are not available."}};
   // clang-format on
@@ -80,8 +79,7 @@ TEST_F(StartupTest, ExistingFiles) {
   // clang-format on
   for (const auto& row : kCases) {
     SCOPED_TRACE(row.size);
-    std::ofstream(folder_ / "app.log") << "";
-    fs::resize_file(folder_ / "app.log", row.size);
+    MakeFile("app.log", row.size);
     Open(Config(row.format, 0, 100));
     EXPECT_EQ(Record().file_size, row.kept ? row.size : 0);
     LOG_INFO(handle_, "x");

@@ -9,6 +9,8 @@
 #include <ctime>
 #include <filesystem>
 #include <fstream>
+#include <map>
+#include <memory>
 #include <string>
 #include <utility>
 
@@ -21,14 +23,16 @@ constexpr std::time_t kStart = 1794835454;             // 2026-11-16 13:24:14 UT
 constexpr std::time_t kNoYear = std::time_t{1} << 60;  // in a year that has no number
 
 struct FakeSystem {
-  std::string library_file;                        // what the loader says the library is
-  std::time_t coarse_second = 0, fine_second = 0;  // what time() and ftime() return
+  std::string library_file;                                   // what the loader says the library is
+  std::atomic<std::time_t> coarse_second{0}, fine_second{0};  // what time() and ftime() return
   unsigned short millisecond = 0;
   std::atomic<int> allocations{0}, failing_allocation{0};  // malloc and realloc; which one fails, from 1
-  bool folder_race = false;  // another process makes each folder just before mkdir does
+  bool folder_race = false;     // another process makes each folder just before mkdir does
+  int good_statuses = 1 << 30;  // calls of fstat until it fails
+  int seconds_per_reading = 0;  // by which the clock moves on
   void SetClock(std::time_t second) { coarse_second = fine_second = second; }
 };
-inline FakeSystem fake;
+inline FakeSystem fake;  // each test starts with a new one
 
 inline std::string ReadFile(const fs::path& path) {
   std::ifstream file(path, std::ios::binary);
@@ -48,9 +52,9 @@ class LogTest : public testing::Test {
     folder_ = mkdtemp(name.data());
     setenv("TZ", "UTC", 1);
     tzset();
+    std::destroy_at(&fake);
+    std::construct_at(&fake);
     fake.library_file = folder_ / "libvintra.so";
-    fake.folder_race = false;
-    fake.failing_allocation = 0;
     fake.SetClock(kStart);
     fake.millisecond = 7;
   }
@@ -81,6 +85,21 @@ class LogTest : public testing::Test {
   sint32 Write(std::size_t size) const { return LOG_INFO(handle_, "%s", std::string(size - 2, 'x').c_str()); }
   LogHandleRec& Record() const { return *vintra::LiveHandle(handle_); }
   std::string Log() const { return ReadFile(folder_ / "app.log"); }
+  void MakeFile(const std::string& name, std::uintmax_t size) const {
+    std::ofstream(folder_ / name) << "";
+    fs::resize_file(folder_ / name, size);
+  }
+  // The log files that there are and their sizes: "app000.log:12 app001.log:7 ".
+  std::string Files() const {
+    std::map<std::string, std::uintmax_t> sizes;
+    for (const auto& entry : fs::directory_iterator(folder_))
+      sizes[entry.path().filename()] = fs::file_size(entry);
+    std::string text;
+    for (const auto& [name, size] : sizes) {
+      if (name.starts_with("app")) text += name + ":" + std::to_string(size) + " ";
+    }
+    return text;
+  }
   // The messages in the error log so far, without stamp and place, each with a line feed.
   std::string Errors() const {
     std::string messages;

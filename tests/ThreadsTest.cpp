@@ -67,11 +67,21 @@ TEST_F(ThreadsTest, CancelledThreadsLeaveTheHandleUsable) {
 #endif
 }
 
-TEST_F(ThreadsTest, RollingUnderLoadKeepsTheLimit) {
-  Open(Config("%D%T%N", 0, 200));
-  InThreads([this](int id, int number) { EXPECT_EQ(LOG_INFO(handle_, "%d %d", id, number), 0); });
-  EXPECT_EQ(Log().size(), Record().file_size);
-  EXPECT_LT(Log().size(), 200U + 33U);
+TEST_F(ThreadsTest, RollingUnderLoadKeepsTheLimitAndEveryRecord) {
+  for (const uint32 mode : {Log_Mode_Simple, Log_Mode_Rollback, Log_Mode_Date}) {
+    LogConfigRecEx config = Config("%D%T%N%C", 0, 2000, std::to_string(mode) + ".log");
+    config.log_mode = static_cast<LogMode>(mode);
+    Open(config);
+    InThreads([this](int id, int number) { EXPECT_EQ(LOG_INFO(handle_, "%d %d", id, number), 0); });
+    Close();
+    std::string text;
+    for (const auto& entry : fs::directory_iterator(folder_)) {
+      if (!entry.path().filename().string().starts_with(std::to_string(mode))) continue;
+      EXPECT_LE(entry.file_size(), 2000U + 33U);
+      text += ReadFile(entry.path()) + "\r\n";
+    }
+    if (mode != Log_Mode_Simple) ExpectEachOnce(text, "2026-11-16 13:24:14.007   ");
+  }
 }
 
 }  // namespace
