@@ -27,6 +27,7 @@ enum ResultCode : sint32 {
   kFolderTooLong = 9,    // the library's folder with the name's relative folder
   kHeaderFailed = 10,    // a header field could not be formatted
   kClockUnreadable = 12,
+  kNoSystemInfo = 13,  // the host name or the system identification could not be read
 };
 
 }  // namespace vintra

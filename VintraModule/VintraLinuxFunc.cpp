@@ -1,14 +1,59 @@
 #include "VintraModule/VintraLinuxFunc.h"
 
 #include <sys/stat.h>
+#include <sys/statfs.h>
+#include <sys/utsname.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <cstring>
 #include <new>
 
 #include "Common/Handles.h"
 #include "Common/Text.h"
 #include "VintraModule/ErrLog.h"
+
+namespace {
+
+using vintra::FilePtr;
+
+constexpr std::size_t kHostNameSize = 256;
+constexpr std::size_t kLineSize = 256;
+constexpr int kProcessorNameLine = 5;
+constexpr int kLinesPerCore = 19;
+
+// "CPU " 4 + a line 255 + "CPU: " 5 + number 11 + " cores" 6, or a line 255 + "Hard Disk Size: " 16 + number
+// 20 + "MB. " 4, and the terminator.
+constexpr std::size_t kPieceSize = 320;
+
+void DescribeProcessor(sint8 (&text)[kPieceSize]) {
+  const FilePtr file(std::fopen("/proc/cpuinfo", "re"));
+  if (!file) return;
+  sint8 line[kLineSize];
+  sint8 name[kLineSize] = {};
+  int lines = 0;
+  while (std::fgets(line, sizeof line, file.get()) != nullptr) {
+    if (++lines == kProcessorNameLine) static_cast<void>(vintra::CopyText(name, line));
+  }
+  const sint8* const label = lines < kProcessorNameLine ? "" : "CPU ";
+  std::snprintf(text, sizeof text, "%s%sCPU: %d cores", label, name, lines / kLinesPerCore);
+}
+
+void DescribeMemory(sint8 (&text)[kPieceSize]) {
+  sint8 line[kLineSize] = {};
+  const FilePtr file(std::fopen("/proc/meminfo", "re"));
+  if (file && std::fgets(line, sizeof line, file.get()) == nullptr) line[0] = '\0';
+  struct statfs disk {};
+  if (statfs("/", &disk) != 0) {
+    static_cast<void>(vintra::CopyText(text, line));
+    return;
+  }
+  const auto bytes = static_cast<unsigned long long>(disk.f_bsize) * disk.f_blocks;
+  std::snprintf(text, sizeof text, "%sHard Disk Size: %lluMB. ", line, bytes >> 20);
+}
+
+}  // namespace
 
 void vintra::FreeFileList::operator()(FileList* list) const {
   while (list != nullptr) delete std::exchange(list, list->next);
@@ -36,4 +81,44 @@ FileList* ListFileName(const sint8* FilePath, const LogHandleRec* /*log_handle*/
     if (last != nullptr) static_cast<void>(vintra::CopyText(last->file_name, entry->d_name));
   }
   return list.release();
+}
+
+sint32 SystemInfo(LOGHANDLE log_handle, LogHandleRec* log_handleRec, sint8* buf) {
+  if (log_handle == null_log_handle) return vintra::kInvalidArgument;
+  sint8 host[kHostNameSize] = {};
+  utsname system{};
+  if (log_handleRec->sys_os && (gethostname(host, sizeof host - 1) != 0 || uname(&system) != 0)) {
+    return vintra::kNoSystemInfo;
+  }
+  sint8 processor[kPieceSize] = {};
+  sint8 memory[kPieceSize] = {};
+  if (log_handleRec->sys_cpu) DescribeProcessor(processor);
+  if (log_handleRec->sys_memory) DescribeMemory(memory);
+  if (!log_handleRec->sys_os) {
+    std::snprintf(buf, kBannerSize, "\n\n%s\n%s", processor, memory);
+    return vintra::kSuccess;
+  }
+
+  const auto write = [&](int host_length) {
+    return std::snprintf(buf, kBannerSize,
+                         "\nSystem name: %s, Host name: %.*s, Hardware: %s, Release: %s, Version: %s\n%s\n%s",
+                         system.sysname, host_length, host, system.machine, system.release, system.version,
+                         processor, memory);
+  };
+  // Labels and line feeds are some 70 bytes, so a host name that gives way leaves room for all the rest.
+  static_assert(70 + 4 * sizeof system.sysname + sizeof processor + sizeof memory < kBannerSize);
+  int host_length = static_cast<int>(std::strlen(host));
+  for (int excess = 1; excess > 0; host_length -= excess) {
+    excess = std::max(0, write(host_length) - static_cast<int>(kBannerSize - 1));
+  }
+  return vintra::kSuccess;
+}
+
+sint8* PidAndTidInfo(LogHandleRec* log_handleRec, sint8* buf) {
+  sint8 process[16] = {};  // two blanks, a number of 11 and the terminator
+  sint8 thread[16] = {};
+  if (log_handleRec->log_pid) std::snprintf(process, sizeof process, " %d ", getpid());
+  if (log_handleRec->log_tid) std::snprintf(thread, sizeof thread, " %d ", gettid());
+  std::snprintf(buf, kBannerSize, "[%s%s]", process, thread);
+  return buf;
 }

@@ -24,6 +24,7 @@
  *    9  the library's folder joined with the folder of a relative name exceeds 259 characters
  *   10  a header field of a record could not be formatted
  *   12  the clock could not be read
+ *   13  the host name or the system's identification could not be read
  *
  * Failures are also described in the library's own file LogModuleErrMsg.log, one line each, in the folder of
  * the library's file. Where that folder cannot be written, these lines are lost and nothing else changes.
@@ -155,8 +156,18 @@ typedef struct LogConfigRecEx {
   uint32 file_flush_size;
   uint32 log_time_span;
   sint8 log_format[VINTRA_TEXT_SIZE];
-  /* Directives of the system banner and of the process banner. This version writes neither: leave both empty,
-   * or let them have "%N". Start-up refuses anything else with 1 and a line in the error log. */
+  /* Directives of two banners, which start-up writes as its first records, of the level Trace: under a higher
+   * threshold they are dropped. Written as in log_format; an empty text means "%N".
+   *
+   *   sysconf_format  %N no system banner, whatever else is there
+   *                   %O the system's name, host name, hardware, release and version
+   *                   %C the processor's name and the number of cores, by the lines of /proc/cpuinfo
+   *                   %M the size of the memory, and of the file system of "/" in MiB
+   *   PidandTid       %N no process banner, whatever else is there
+   *                   %P the process identifier: "[ 4242 ]"
+   *                   %T the identifier of the thread that calls start-up: "[ 4242  4243 ]" with both
+   *
+   * What cannot be read is left out, but for the host name and the system's identification (13). */
   sint8 sysconf_format[VINTRA_TEXT_SIZE];
   sint8 PidandTid[VINTRA_TEXT_SIZE];
   /* Written into every line, may be empty. A name without a terminator is cut to 63 characters, with a line
@@ -185,8 +196,9 @@ extern "C" {
  */
 VINTRA_API sint32 LOG_MODULE_INIT_Ex(const LogConfigRec* a_log_config, LOGHANDLE* a_log_handle);
 
-/* Opens a log like LOG_MODULE_INIT_Ex, but scrambled or not and with a module name as a_log_config says. The
- * results are the same; 1 also when a banner is asked for. */
+/* Opens a log like LOG_MODULE_INIT_Ex, but scrambled or not, with banners and with a module name as
+ * a_log_config says. The results are the same, and those of a record (LOG_TRACE) or 13 when a banner fails:
+ * then *a_log_handle is null_log_handle. */
 VINTRA_API sint32 LOG_MODULE_INIT_New_Ex(const LogConfigRecEx* a_log_config, LOGHANDLE* a_log_handle);
 
 /* Returns the handle's threshold, or Log_Level_Disable for a handle that is not live. Takes no lock. */

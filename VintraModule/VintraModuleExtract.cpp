@@ -17,6 +17,7 @@
 #include "VintraModule/LogNames.h"
 #include "VintraModule/Retention.h"
 #include "VintraModule/VintraLinuxFunc.h"
+#include "VintraModule/VintraModuleInter.h"
 
 namespace {
 
@@ -128,6 +129,16 @@ bool OpenFirstWithRoom(LogHandleRec& handle, NameComposer compose, sint8* name, 
   }
 }
 
+// Writes the banners that the configuration asks for, the first records of a handle's life.
+sint32 WriteBanners(const LogConfigRecEx* config, LOGHANDLE log_handle, LogHandleRec* handle) {
+  AnalysisSysFormat(config, handle);
+  if (!handle->sys_none) {
+    if (const sint32 code = RecordSystemInfo(log_handle, handle); code != 0) return code;
+  }
+  AnalysisPidFormat(config, handle);
+  return handle->log_none ? sint32{vintra::kSuccess} : GetPidAndTid(log_handle, handle);
+}
+
 void CopyModuleName(const LogConfigRecEx& config, LogHandleRec& handle) {
   if (CopyText(handle.log_module_name, FieldText(config.module_name))) return;
   REPORT_ERROR("LOG_MODULE_INIT_Ex module_name(%s) has no terminator and is cut.", handle.log_module_name);
@@ -173,12 +184,6 @@ sint32 LogModuleInitExtract(const LogConfigRecEx* a_log_config, LOGHANDLE* a_log
   handle->log_encrypt = a_log_config->log_encrypt;
   CopyModuleName(*a_log_config, *handle);
   AnalysisLogFormat(a_log_config, handle.get());
-  AnalysisSysFormat(a_log_config, handle.get());
-  AnalysisPidFormat(a_log_config, handle.get());
-  if (!handle->sys_none || !handle->log_none) {
-    REPORT_ERROR("LOG_MODULE_INIT_Ex banners are not available.");
-    return vintra::kInvalidArgument;
-  }
 
   sint8 file_name[vintra::kFileNameSize] = {};
   sint8 path[vintra::kPathSize] = {};
@@ -188,7 +193,12 @@ sint32 LogModuleInitExtract(const LogConfigRecEx* a_log_config, LOGHANDLE* a_log
     return vintra::kNoMemory;
   }
   handle->instance_effective = vintra::kLiveMark;
-  *a_log_handle = static_cast<LOGHANDLE>(reinterpret_cast<std::intptr_t>(handle.release()));
+  *a_log_handle = static_cast<LOGHANDLE>(reinterpret_cast<std::intptr_t>(handle.get()));
+  if (const sint32 code = WriteBanners(a_log_config, *a_log_handle, handle.get()); code != 0) {
+    *a_log_handle = null_log_handle;
+    return code;
+  }
+  static_cast<void>(handle.release());  // the caller's from here on
   return vintra::kSuccess;
 }
 
@@ -241,6 +251,17 @@ sint32 SetDateLogFileName(const LogConfigRecEx* a_log_config, LogHandleRec* log_
   if (log_handle->file_out == nullptr) return ReportNotOpened(log_file_name);
   REPORT_ERROR("Bad file handle %d", vintra::StreamNumber(log_handle->file_out));
   return vintra::kNoFile;
+}
+
+sint32 RecordSystemInfo(LOGHANDLE log_handle, LogHandleRec* log_handleRec) {
+  sint8 text[kBannerSize] = {};
+  if (const sint32 code = SystemInfo(log_handle, log_handleRec, text); code != 0) return code;
+  return LogRecord(log_handle, "Trace", "%s", text);
+}
+
+sint32 GetPidAndTid(LOGHANDLE log_handle, LogHandleRec* log_handleRec) {
+  sint8 text[kBannerSize] = {};
+  return LogRecord(log_handle, "Trace", "%s", PidAndTidInfo(log_handleRec, text));
 }
 
 void AnalysisLogFormat(const LogConfigRecEx* a_log_config, LogHandleRec* log_handle) {

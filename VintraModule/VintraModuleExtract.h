@@ -13,7 +13,8 @@ struct HandleCloser {
 
 }  // namespace vintra
 
-// The common start-up. The caller's variable is written only when the handle is live.
+// The common start-up. The caller's variable is written only when the handle is live, and cleared when it
+// then fails over a banner.
 sint32 LogModuleInitExtract(const LogConfigRecEx* a_log_config, LOGHANDLE* a_log_handle);
 
 // Makes the log folder, runs the mode's start placement and then the size check, which appends to the file or
@@ -37,5 +38,9 @@ sint32 SetDateLogFileName(const LogConfigRecEx* a_log_config, LogHandleRec* log_
 void AnalysisLogFormat(const LogConfigRecEx* a_log_config, LogHandleRec* log_handle);
 void AnalysisSysFormat(const LogConfigRecEx* a_log_config, LogHandleRec* log_handle);
 void AnalysisPidFormat(const LogConfigRecEx* a_log_config, LogHandleRec* log_handle);
+
+// Write the system banner and the process banner through the live handle, as records of the level Trace.
+sint32 RecordSystemInfo(LOGHANDLE log_handle, LogHandleRec* log_handleRec);
+sint32 GetPidAndTid(LOGHANDLE log_handle, LogHandleRec* log_handleRec);
 
 #endif

@@ -14,8 +14,7 @@ TEST_F(StartupTest, RefusedRecords) {
       {[](auto& config) { config.log_level = static_cast<LogLevel>(10); }, ""},
       {[](auto& config) { config.log_mode = static_cast<LogMode>(0); }, ""},
       {[](auto& config) { config.log_mode = static_cast<LogMode>(4); }, ""},
-      {[](auto& config) { config.max_file_size = 1U << 31; }, "max_file_size(2147483648) is above 2147483647."},
-      {[](auto& config) { std::strcpy(config.PidandTid, "%P"); }, "banners are not available."}};
+      {[](auto& config) { config.max_file_size = 1U << 31; }, "max_file_size(2147483648) is above 2147483647."}};
   // clang-format on
   LOGHANDLE handle = 77;
   for (const auto& row : kCases) {

@@ -3,7 +3,10 @@
 
 #include <dlfcn.h>
 #include <sys/stat.h>
+#include <sys/statfs.h>
 #include <sys/timeb.h>
+#include <sys/utsname.h>
+#include <unistd.h>
 
 #include <cerrno>
 
@@ -12,6 +15,10 @@ void* __real_malloc(std::size_t size);
 void* __real_realloc(void* block, std::size_t size);
 int __real_mkdir(const char* path, mode_t mode);
 int __real_fstat64(int descriptor, struct stat64* status);
+std::FILE* __real_fopen64(const char* path, const char* mode);
+int __real_gethostname(char* name, std::size_t size);
+int __real_uname(utsname* system);
+int __real_statfs64(const char* path, struct statfs64* status);
 
 static bool FailsNow() {
   errno = ENXIO;  // which a successful call may do as well
@@ -37,4 +44,32 @@ int __wrap_mkdir(const char* path, mode_t mode) {
 int __wrap_fstat64(int descriptor, struct stat64* status) {
   return fake.good_statuses-- > 0 ? __real_fstat64(descriptor, status) : __real_fstat64(-1, status);
 }
+std::FILE* __wrap_fopen64(const char* path, const char* mode) {
+  const fs::path beside = fs::path(fake.library_file).replace_filename(fs::path(path).filename());
+  const bool as_it_is = fake.real_platform || !std::string(path).starts_with("/proc/");
+  return __real_fopen64(as_it_is ? path : beside.c_str(), mode);
+}
+int __wrap_gethostname(char* name, std::size_t size) {
+  if (fake.real_platform) return __real_gethostname(name, size);
+  fake.host.copy(name, size);
+  return fake.host.empty() ? -1 : 0;
+}
+int __wrap_uname(utsname* system) {
+  if (fake.real_platform) return __real_uname(system);
+  for (auto [field, text] : {std::pair(system->sysname, "Linux"),
+                             {system->machine, "x86_64"},
+                             {system->release, "5.15.0"},
+                             {system->version, "#1 SMP"}}) {
+    std::string(text).copy(field, sizeof system->sysname);
+  }
+  return fake.no_uname ? -1 : 0;
+}
+int __wrap_statfs64(const char* path, struct statfs64* status) {
+  if (fake.real_platform) return __real_statfs64(path, status);
+  status->f_bsize = 4096;
+  status->f_blocks = fake.blocks;
+  return fake.blocks == 0 || std::string(path) != "/" ? -1 : 0;
+}
+pid_t __wrap_getpid() { return fake.pid; }
+pid_t __wrap_gettid() { return fake.tid; }
 }

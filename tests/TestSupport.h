@@ -30,6 +30,11 @@ struct FakeSystem {
   bool folder_race = false;     // another process makes each folder just before mkdir does
   int good_statuses = 1 << 30;  // calls of fstat until it fails
   int seconds_per_reading = 0;  // by which the clock moves on
+  // What the banners ask for. The files of /proc lie beside the library.
+  bool real_platform = false, no_uname = false;
+  std::string host;               // empty: its name cannot be read
+  unsigned long long blocks = 0;  // of "/", of 4 KiB; 0: cannot be read
+  int pid = 1, tid = 1;
   void SetClock(std::time_t second) { coarse_second = fine_second = second; }
 };
 inline FakeSystem fake;  // each test starts with a new one
