@@ -1,14 +1,27 @@
 /*
  * Feeds standard input line by line into a log, each line a record.
  *
- *   vintra_log_lines LOG_FILE plain|scrambled MAX_FILE_SIZE
+ *   vintra_log_lines LOG_FILE simple|rollback|date plain|scrambled MAX_FILE_SIZE [FILES [DAYS]]
  *
- * LOG_FILE is absolute, or is placed beside the library. Prints the number of records written.
+ * LOG_FILE is absolute, or is placed beside the library. FILES is the number of files of a ring or day, DAYS
+ * how long the date mode keeps its files; both are 0, without end, unless given. Prints the number of records
+ * written.
  */
 #include <VintraModule/VintraModule.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
+
+static const char* const kModes[] = {"simple", "rollback", "date"}; /* Log_Mode_Simple and the next two */
+
+/* 0 for another word, which start-up refuses. */
+static LogMode ModeOf(const char* word) {
+  int i;
+  for (i = 0; i < 3; ++i) {
+    if (strcmp(word, kModes[i]) == 0) return (LogMode)(Log_Mode_Simple + i);
+  }
+  return (LogMode)0;
+}
 
 int main(int argc, char** argv) {
   LogConfigRecEx config;
@@ -20,8 +33,9 @@ int main(int argc, char** argv) {
   sint32 code;
   int failed;
 
-  if (argc != 4) {
-    fprintf(stderr, "usage: %s LOG_FILE plain|scrambled MAX_FILE_SIZE\n", argv[0]);
+  if (argc < 5 || argc > 7) {
+    fprintf(stderr, "usage: %s LOG_FILE simple|rollback|date plain|scrambled MAX_FILE_SIZE [FILES [DAYS]]\n",
+            argv[0]);
     return 2;
   }
   if (strlen(argv[1]) >= VINTRA_PATH_SIZE) {
@@ -33,11 +47,13 @@ int main(int argc, char** argv) {
   snprintf(config.log_file_name, sizeof config.log_file_name, "%s", argv[1]);
   snprintf(config.log_format, sizeof config.log_format, "%%D%%T%%E%%N");
   snprintf(config.module_name, sizeof config.module_name, "lines");
-  config.log_mode = Log_Mode_Simple;
+  config.log_mode = ModeOf(argv[2]);
   config.log_level = Log_Level_Info;
-  config.max_file_size = (uint32)strtoul(argv[3], NULL, 10);
+  config.max_file_size = (uint32)strtoul(argv[4], NULL, 10);
+  if (argc > 5) config.max_backup_index = (uint32)strtoul(argv[5], NULL, 10);
+  if (argc > 6) config.log_time_span = (uint32)strtoul(argv[6], NULL, 10);
   config.file_flush_size = 65536;
-  config.log_encrypt = strcmp(argv[2], "scrambled") == 0;
+  config.log_encrypt = strcmp(argv[3], "scrambled") == 0;
   code = LOG_MODULE_INIT_New_Ex(&config, &log);
   if (code != 0) {
     fprintf(stderr, "%s: the log could not be opened (code %d)\n", argv[1], (int)code);
