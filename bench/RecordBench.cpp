@@ -1,7 +1,7 @@
 // What a record costs its host, beside a bare loop that puts the same bytes into a file.
 //
-// Both sides write to files of the same folder (VINTRA_BENCH_DIR, or the system's temporary folder) with a
-// stream buffer of the same size, and both start the file over when it has reached the same size.
+// Both sides write to files of the same folder with a stream buffer of the same size, and both start the file
+// over when it has reached the same size.
 #include <benchmark/benchmark.h>
 #include <unistd.h>
 
@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "VintraModule/VintraModule.h"
+#include "bench/BenchPath.h"
 
 namespace {
 
@@ -21,26 +22,14 @@ constexpr uint32 kFlushSize = 65536;
 constexpr uint32 kFileLimit = 4 * 1024 * 1024;  // small enough to stay in memory that is warm
 constexpr std::size_t kStreamBuffer = kFlushSize + 2048;
 
-std::string FilePath(const char* name) {
-  const char* const folder = std::getenv("VINTRA_BENCH_DIR");
-  return (folder != nullptr ? std::filesystem::path(folder) : std::filesystem::temp_directory_path()) / name;
-}
-
-// A simple-mode log that is removed with its last user.
+// A log in a folder of its own, which is removed with its last user.
 class BenchLog {
  public:
-  BenchLog(const char* name, uint32 flush_size, LogLevel threshold, uint32 encrypt) : path_(FilePath(name)) {
-    LogConfigRecEx config{};
-    std::snprintf(config.log_file_name, sizeof config.log_file_name, "%s", path_.c_str());
-    config.log_mode = Log_Mode_Simple;
-    config.log_level = threshold;
-    config.max_file_size = kFileLimit;
-    config.file_flush_size = flush_size;
-    std::snprintf(config.log_format, sizeof config.log_format, "%%D%%T%%E%%N");
-    std::snprintf(config.module_name, sizeof config.module_name, "net");
-    config.log_encrypt = encrypt;
+  explicit BenchLog(const LogConfigRecEx& settings) : folder_(BenchPath("vintra_bench_log")) {
+    LogConfigRecEx config = settings;
+    std::snprintf(config.log_file_name, sizeof config.log_file_name, "%s/app.log", folder_.c_str());
     if (const sint32 code = LOG_MODULE_INIT_New_Ex(&config, &handle_); code != 0) {
-      std::fprintf(stderr, "%s: start-up failed with %d\n", path_.c_str(), code);
+      std::fprintf(stderr, "%s: start-up failed with %d\n", config.log_file_name, code);
       std::exit(1);
     }
   }
@@ -48,15 +37,35 @@ class BenchLog {
   BenchLog& operator=(const BenchLog&) = delete;
   ~BenchLog() {
     LOG_MODULE_DESTORY(&handle_);
-    std::filesystem::remove(path_);
+    std::filesystem::remove_all(folder_);
   }
 
   LOGHANDLE handle() const { return handle_; }
 
  private:
-  std::string path_;
+  std::string folder_;
   LOGHANDLE handle_ = null_log_handle;
 };
+
+LogConfigRecEx Settings() {
+  LogConfigRecEx config{};
+  config.log_mode = Log_Mode_Simple;
+  config.log_level = Log_Level_Trace;
+  config.max_file_size = kFileLimit;
+  config.file_flush_size = kFlushSize;
+  std::snprintf(config.log_format, sizeof config.log_format, "%%D%%T%%E%%N");
+  std::snprintf(config.module_name, sizeof config.module_name, "net");
+  return config;
+}
+
+// Four files of 1 MiB take the room of the one file of the simple mode.
+LogConfigRecEx NumberedSettings(LogMode mode) {
+  LogConfigRecEx config = Settings();
+  config.log_mode = mode;
+  config.max_file_size = kFileLimit / 4;
+  config.max_backup_index = 4;
+  return config;
+}
 
 void RunRecords(benchmark::State& state, const BenchLog& log) {
   int number = 0;
@@ -71,7 +80,7 @@ void RunRecords(benchmark::State& state, const BenchLog& log) {
 
 void BareLoop(benchmark::State& state) {
   constexpr std::string_view kHeader = "\r\n2026-11-16 13:24:14.007 [INFO]  net  ";
-  const std::string path = FilePath("vintra_bench_bare.log");
+  const std::string path = BenchPath("vintra_bench_bare.log");
   std::vector<char> buffer(kStreamBuffer);
   std::FILE* const file = std::fopen(path.c_str(), "w");
   std::setvbuf(file, buffer.data(), _IOFBF, buffer.size());
@@ -99,24 +108,36 @@ void BareLoop(benchmark::State& state) {
   state.SetItemsProcessed(state.iterations());
 }
 
-void Record(benchmark::State& state) {
-  RunRecords(state, BenchLog("vintra_bench_record.log", kFlushSize, Log_Level_Trace, 0));
+void Record(benchmark::State& state) { RunRecords(state, BenchLog(Settings())); }
+
+void RecordRollback(benchmark::State& state) {
+  RunRecords(state, BenchLog(NumberedSettings(Log_Mode_Rollback)));
 }
 
+void RecordDate(benchmark::State& state) { RunRecords(state, BenchLog(NumberedSettings(Log_Mode_Date))); }
+
 void RecordScrambled(benchmark::State& state) {
-  RunRecords(state, BenchLog("vintra_bench_scrambled.log", kFlushSize, Log_Level_Trace, 1));
+  LogConfigRecEx config = Settings();
+  config.log_encrypt = 1;
+  RunRecords(state, BenchLog(config));
 }
 
 void RecordFlushed(benchmark::State& state) {
-  RunRecords(state, BenchLog("vintra_bench_flushed.log", 0, Log_Level_Trace, 0));
+  LogConfigRecEx config = Settings();
+  config.file_flush_size = 0;
+  RunRecords(state, BenchLog(config));
 }
 
 void RecordFilteredOut(benchmark::State& state) {
-  RunRecords(state, BenchLog("vintra_bench_filtered.log", kFlushSize, Log_Level_Warn, 0));
+  LogConfigRecEx config = Settings();
+  config.log_level = Log_Level_Warn;
+  RunRecords(state, BenchLog(config));
 }
 
 BENCHMARK(BareLoop);
 BENCHMARK(Record);
+BENCHMARK(RecordRollback);
+BENCHMARK(RecordDate);
 BENCHMARK(RecordScrambled);
 BENCHMARK(RecordFlushed);
 BENCHMARK(RecordFilteredOut);
