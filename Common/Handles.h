@@ -55,6 +55,7 @@ class FileDescriptor {
     while (written < bytes.size()) {
       const ssize_t count = write(descriptor_, bytes.data() + written, bytes.size() - written);
       if (count < 0 && errno == EINTR) continue;
+      if (count == 0) errno = EIO;  // the system gives no reason
       if (count <= 0) break;
       written += static_cast<std::size_t>(count);
     }

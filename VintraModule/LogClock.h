@@ -59,7 +59,7 @@ struct SecondText {
 void UpdateSecondText(SecondText& text, std::time_t second);
 
 // The local day of a reading as the number yyyymmdd, by way of the cache. 0 when the clock could not be read
-// or its second has no date, or none before the year 214748.
+// or its second has no date that the number has room for.
 uint32 LocalDay(SecondText& text, const ClockReading& now);
 
 }  // namespace vintra

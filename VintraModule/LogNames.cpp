@@ -35,19 +35,19 @@ void DateName(const LogHandleRec& handle, uint32 number, sint8* name) {
   std::snprintf(name, kFileNameSize, "%s_%u_%03u", handle.log_file_name, handle.cur_date_ID, number);
 }
 
-bool DayOfEntry(const LogHandleRec& handle, std::string_view entry, std::tm& day) {
+std::optional<std::tm> DayOfEntry(const LogHandleRec& handle, std::string_view entry) {
   const PathParts parts = SplitPathParts(entry);
   const std::string_view base = FieldText(handle.log_file_name);
-  if (!parts.dir.empty()) return false;  // a name with '\' is nothing that a log makes
-  if (parts.ext != FieldText(handle.log_file_ext)) return false;
-  if (parts.name.size() != base.size() + kDatedEnding || !parts.name.starts_with(base)) return false;
+  if (!parts.dir.empty()) return std::nullopt;  // a name with '\' is nothing that a log makes
+  if (parts.ext != FieldText(handle.log_file_ext)) return std::nullopt;
+  if (parts.name.size() != base.size() + kDatedEnding || !parts.name.starts_with(base)) return std::nullopt;
   const std::string_view date = parts.name.substr(base.size() + kDateStart, kDateSize);
-  if (date.find_first_not_of("0123456789") != std::string_view::npos) return false;
-  day = {};
+  if (date.find_first_not_of("0123456789") != std::string_view::npos) return std::nullopt;
+  std::tm day{};
   day.tm_year = ReadDigits(date.substr(0, 4)) - 1900;
   day.tm_mon = ReadDigits(date.substr(4, 2)) - 1;
   day.tm_mday = ReadDigits(date.substr(6, 2));
-  return true;
+  return day;
 }
 
 }  // namespace vintra

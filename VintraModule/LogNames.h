@@ -8,6 +8,7 @@
 #define VINTRA_VINTRAMODULE_LOGNAMES_H
 
 #include <ctime>
+#include <optional>
 #include <string_view>
 
 #include "VintraModule/LogHandle.h"
@@ -21,9 +22,9 @@ uint32 RingNumber(uint32 number, uint32 ring_size);
 void RollbackName(const LogHandleRec& handle, uint32 number, sint8* name);
 void DateName(const LogHandleRec& handle, uint32 number, sint8* name);
 
-// Whether a folder's entry is a dated file of the handle's base name and extension with a number of three
-// characters. day receives the first second of its day, in standard time.
-bool DayOfEntry(const LogHandleRec& handle, std::string_view entry, std::tm& day);
+// The first second of the day of a folder's entry, in standard time, when the entry is a dated file of the
+// handle's base name and extension with a number of three characters.
+std::optional<std::tm> DayOfEntry(const LogHandleRec& handle, std::string_view entry);
 
 }  // namespace vintra
 

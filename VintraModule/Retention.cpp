@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <cstdint>
 #include <memory>
+#include <optional>
+#include <utility>
 
 #include "Common/Text.h"
 #include "FolderModule/PathParts.h"
@@ -23,16 +25,16 @@ sint32 DeleteLogFile(FileList* list_head, uint32 RentDate, const LogHandleRec* l
     const std::unique_ptr<FileList> entry(rest.release());
     rest.reset(entry->next);
 
-    std::tm day{};
-    if (!vintra::DayOfEntry(*log_handle, vintra::FieldText(entry->file_name), day)) continue;
+    const std::optional<std::tm> day = vintra::DayOfEntry(*log_handle, vintra::FieldText(entry->file_name));
+    if (!day) continue;
     const vintra::ClockReading now = vintra::ReadClock();
     std::tm today{};
     if (!now.valid || !vintra::ConvertToLocal(now.second, today)) return vintra::kClockUnreadable;
-    if (std::int64_t{GetDiffDay(today, day)} < std::int64_t{RentDate}) continue;
+    if (std::cmp_less(GetDiffDay(today, *day), RentDate)) continue;
 
     sint8 path[vintra::kPathSize];
     if (!vintra::JoinPath(path, log_handle->log_file_path, entry->file_name, "")) continue;
-    // Never a folder, whatever its name: those are not the log's.
+    // Takes no folder, whatever its name: those are not the log's.
     if (unlink(path) != 0) return kNotRemoved;
   }
   return vintra::kSuccess;

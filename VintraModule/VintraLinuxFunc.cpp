@@ -7,8 +7,8 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <new>
+#include <utility>
 
 #include "Common/Handles.h"
 #include "Common/Text.h"
@@ -18,7 +18,7 @@ namespace {
 
 using vintra::FilePtr;
 
-constexpr std::size_t kHostNameSize = 256;
+constexpr std::size_t kHostNameSize = 256;  // of a name of 255 characters
 constexpr std::size_t kLineSize = 256;
 constexpr int kProcessorNameLine = 5;
 constexpr int kLinesPerCore = 19;
@@ -87,30 +87,28 @@ sint32 SystemInfo(LOGHANDLE log_handle, LogHandleRec* log_handleRec, sint8* buf)
   if (log_handle == null_log_handle) return vintra::kInvalidArgument;
   sint8 host[kHostNameSize] = {};
   utsname system{};
-  if (log_handleRec->sys_os && (gethostname(host, sizeof host - 1) != 0 || uname(&system) != 0)) {
+  if (log_handleRec->sys_os && (gethostname(host, sizeof host) != 0 || uname(&system) != 0)) {
     return vintra::kNoSystemInfo;
   }
+  host[sizeof host - 1] = '\0';
   sint8 processor[kPieceSize] = {};
   sint8 memory[kPieceSize] = {};
   if (log_handleRec->sys_cpu) DescribeProcessor(processor);
   if (log_handleRec->sys_memory) DescribeMemory(memory);
   if (!log_handleRec->sys_os) {
-    std::snprintf(buf, kBannerSize, "\n\n%s\n%s", processor, memory);
+    std::snprintf(buf, vintra::kBannerSize, "\n\n%s\n%s", processor, memory);
     return vintra::kSuccess;
   }
 
-  const auto write = [&](int host_length) {
-    return std::snprintf(buf, kBannerSize,
+  const auto write = [&](int longest_host) {
+    return std::snprintf(buf, vintra::kBannerSize,
                          "\nSystem name: %s, Host name: %.*s, Hardware: %s, Release: %s, Version: %s\n%s\n%s",
-                         system.sysname, host_length, host, system.machine, system.release, system.version,
+                         system.sysname, longest_host, host, system.machine, system.release, system.version,
                          processor, memory);
   };
   // Labels and line feeds are some 70 bytes, so a host name that gives way leaves room for all the rest.
-  static_assert(70 + 4 * sizeof system.sysname + sizeof processor + sizeof memory < kBannerSize);
-  int host_length = static_cast<int>(std::strlen(host));
-  for (int excess = 1; excess > 0; host_length -= excess) {
-    excess = std::max(0, write(host_length) - static_cast<int>(kBannerSize - 1));
-  }
+  static_assert(70 + 4 * sizeof system.sysname + sizeof processor + sizeof memory < vintra::kBannerSize);
+  write(static_cast<int>(vintra::kBannerSize - 1) - write(0));
   return vintra::kSuccess;
 }
 
@@ -119,6 +117,6 @@ sint8* PidAndTidInfo(LogHandleRec* log_handleRec, sint8* buf) {
   sint8 thread[16] = {};
   if (log_handleRec->log_pid) std::snprintf(process, sizeof process, " %d ", getpid());
   if (log_handleRec->log_tid) std::snprintf(thread, sizeof thread, " %d ", gettid());
-  std::snprintf(buf, kBannerSize, "[%s%s]", process, thread);
+  std::snprintf(buf, vintra::kBannerSize, "[%s%s]", process, thread);
   return buf;
 }

@@ -6,8 +6,6 @@
 
 #include "VintraModule/LogHandle.h"
 
-constexpr std::size_t kBannerSize = 1024;  // bytes of a banner's text, terminator included
-
 // One entry of a folder, without the folder.
 struct FileList {
   sint8 file_name[vintra::kFileNameSize];
@@ -15,6 +13,8 @@ struct FileList {
 };
 
 namespace vintra {
+
+constexpr std::size_t kBannerSize = 1024;  // bytes of a banner's text, terminator included
 
 struct FreeFileList {
   void operator()(FileList* list) const;

@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <cstring>
 #include <memory>
-#include <utility>
 
 #include "Common/Handles.h"
 #include "Common/Text.h"
@@ -85,10 +84,10 @@ sint32 FileConvert(const sint8* oldFile, const sint8* newFile) {
 sint32 GetEncryptData(const sint8* sourceData, uint32 sourcelength, sint8* destData, uint32* destDatalength) {
   if (sourceData == nullptr || destData == nullptr || destDatalength == nullptr)
     return vintra::kInvalidArgument;
-  const uint32 capacity = std::exchange(*destDatalength, sourcelength);
-  if (sourcelength > capacity) return vintra::kInvalidArgument;
-  vintra::ScrambleInto(destData, sourceData, sourcelength);
-  return vintra::kSuccess;
+  const bool has_room = sourcelength <= *destDatalength;
+  if (has_room) vintra::ScrambleInto(destData, sourceData, sourcelength);
+  *destDatalength = sourcelength;  // last, as a host's record may hold both the bytes and their length
+  return has_room ? vintra::kSuccess : vintra::kInvalidArgument;
 }
 
 #define VINTRA_LEVEL_ENTRY(name, level)                                                             \

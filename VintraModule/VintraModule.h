@@ -87,15 +87,16 @@ typedef enum LogLevel VINTRA_ENUM_BASE {
  * Date: files per local day, app_20261116_000.log to app_20261116_019.log for 16 November 2026, which follow
  * each other within the day as those of a ring do. The first record of another day goes to that day's file
  * 000, emptied; the day of a record is the one it is stamped with. Setting the clock back across midnight
- * therefore starts the earlier day's file 000 over. A log that is not written to keeps its file.
+ * by more than a second therefore starts the earlier day's file 000 over. A log that is not written to keeps
+ * its file.
  *
  * Retention: where log_time_span is not 0, the date mode removes the log's files of days that lie
  * log_time_span days back or more, at start-up and whenever it moves on to another file. With 7 the files of
- * today and of the six days before stay. Removed is what has the base name, a character, eight digits, four
- * characters and the extension for its name, so no number of four digits and no folder, but also what another
- * log of the same name has left there. In the first hour of a day in summer time yesterday's files still
- * count as today's. The pass ends at a file that cannot be removed, without a report; the next one tries
- * again. Records through the handle wait for it.
+ * today and of the six days before stay. A file is the log's when its name is the base name, a character,
+ * eight digits, four characters and the extension: a number of four digits is not matched, and another log of
+ * the same name is. In the first hour of a day in summer time ages count one day less. Records through the
+ * handle wait for the pass. It ends, without a report, at a file that cannot be removed, and at a folder with
+ * such a name, which it never removes; the next pass tries again. In the folder "/" nothing is matched.
  *
  * Without a usable clock the date mode neither starts up nor writes a record, and keeps its file: 12.
  */
@@ -119,8 +120,7 @@ typedef struct LogConfigRec {
   /* Size limit of a log file in bytes, 1 to 2147483647. A record is always written whole, so a file may end
    * one record above its limit. */
   uint32 max_file_size;
-  uint32
-      max_backup_index; /* number of files of a ring or day, 0 for no end; the simple mode does not use it */
+  uint32 max_backup_index; /* files of a ring or day, 0 for no end; the simple mode does not use it */
   /* Flush when this many bytes are unflushed. 0 flushes after every record, which is then safe from the death
    * of the process; otherwise a killed process loses at most this many bytes and one record. */
   uint32 file_flush_size;
@@ -161,13 +161,14 @@ typedef struct LogConfigRecEx {
    *
    *   sysconf_format  %N no system banner, whatever else is there
    *                   %O the system's name, host name, hardware, release and version
-   *                   %C the processor's name and the number of cores, by the lines of /proc/cpuinfo
+   *                   %C the processor's name, and for the cores the lines of /proc/cpuinfo divided by 19
    *                   %M the size of the memory, and of the file system of "/" in MiB
    *   PidandTid       %N no process banner, whatever else is there
    *                   %P the process identifier: "[ 4242 ]"
    *                   %T the identifier of the thread that calls start-up: "[ 4242  4243 ]" with both
    *
-   * What cannot be read is left out, but for the host name and the system's identification (13). */
+   * A text without any of these still makes a record, of three line feeds or of "[]". What cannot be read is
+   * left out, but for the host name and the system's identification (13). */
   sint8 sysconf_format[VINTRA_TEXT_SIZE];
   sint8 PidandTid[VINTRA_TEXT_SIZE];
   /* Written into every line, may be empty. A name without a terminator is cut to 63 characters, with a line
@@ -237,11 +238,12 @@ VINTRA_API void LOG_MODULE_DESTORY(LOGHANDLE* a_log_handle);
  * was flushed.
  *
  * Returns
- *   0  done. Failing writes, as on a full disk, are not part of the result: they end the call with 0 and
- * errno set, which a successful call leaves as it was 1  a null argument 5  oldFile cannot be opened or read,
- * or is a folder; newFile cannot be created or emptied; both are the same file, by whatever names; or there
- * is no memory for a buffer of 128 KiB. Only a read that fails on the way leaves a changed newFile, with what
- * was read until then
+ *   0  done, unless writing failed, as on a full disk: that ends the call with 0 too and only sets errno,
+ *      which is otherwise left as it was
+ *   1  a null argument
+ *   5  oldFile cannot be opened or read, or is a folder; newFile cannot be created or emptied; both are the
+ *      same file, by whatever names; or there is no memory for a buffer of 128 KiB. newFile is then as it
+ *      was, unless reading failed on the way: it then has what was read before.
  */
 VINTRA_API sint32 FileConvert(const sint8* oldFile, const sint8* newFile);
 

@@ -254,13 +254,13 @@ sint32 SetDateLogFileName(const LogConfigRecEx* a_log_config, LogHandleRec* log_
 }
 
 sint32 RecordSystemInfo(LOGHANDLE log_handle, LogHandleRec* log_handleRec) {
-  sint8 text[kBannerSize] = {};
+  sint8 text[vintra::kBannerSize] = {};
   if (const sint32 code = SystemInfo(log_handle, log_handleRec, text); code != 0) return code;
   return LogRecord(log_handle, "Trace", "%s", text);
 }
 
 sint32 GetPidAndTid(LOGHANDLE log_handle, LogHandleRec* log_handleRec) {
-  sint8 text[kBannerSize] = {};
+  sint8 text[vintra::kBannerSize] = {};
   return LogRecord(log_handle, "Trace", "%s", PidAndTidInfo(log_handleRec, text));
 }
 

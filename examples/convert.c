@@ -16,7 +16,13 @@ int main(int argc, char** argv) {
   }
   errno = 0; /* tells of a write that failed, which the code does not */
   code = FileConvert(argv[1], argv[2]);
-  if (code == 0 && errno == 0) return 0;
-  perror(code == 0 ? argv[2] : "not converted");
-  return 1;
+  if (code != 0) {
+    fprintf(stderr, "%s: could not be converted to %s (code %d)\n", argv[1], argv[2], (int)code);
+    return 1;
+  }
+  if (errno != 0) {
+    perror(argv[2]);
+    return 1;
+  }
+  return 0;
 }

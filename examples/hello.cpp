@@ -9,14 +9,16 @@ int main(int argc, char** argv) {
                 argc > 1 ? argv[1] : "/tmp/hello.log");
   std::snprintf(config.log_format, sizeof config.log_format, "%%D%%T%%E%%F%%L%%N");
   config.log_mode = Log_Mode_Simple;
-  config.log_level = Log_Level_Debug;
+  config.log_level = Log_Level_Trace;
   config.max_file_size = 1024 * 1024;
+  // The first records: the system, and the process and thread.
+  std::snprintf(config.sysconf_format, sizeof config.sysconf_format, "%%O%%C%%M");
+  std::snprintf(config.PidandTid, sizeof config.PidandTid, "%%P%%T");
 
   LOGHANDLE log = null_log_handle;
   if (const sint32 code = LOG_MODULE_INIT_New_Ex(&config, &log)) return code;
   LOG_INFO(VINTRA_HERE(log), "listening on port %d", 8080);
   LOG_WARN(VINTRA_HERE(log), "disk %s is %.1f%% full", "/var", 93.5);
-  LOG_TRACE(log, "below the threshold: not written");
   LOG_MODULE_DESTORY(&log);
   return 0;
 }

@@ -74,10 +74,9 @@ TEST_F(RetentionTest, NamesThatMatchAreTheNamesThatAreMade) {
     Open(DateConfig(7, row.log));
     EXPECT_EQ(Exists(row.entry), !row.removed);
     fs::remove(folder_ / row.entry);
-    std::tm day{};
     sint8 name[vintra::kFileNameSize];
     vintra::DateName(Record(), 999, name);
-    EXPECT_TRUE(vintra::DayOfEntry(Record(), std::string(name) + Record().log_file_ext, day));
+    const auto day = vintra::DayOfEntry(Record(), std::string(name) + Record().log_file_ext).value();
     EXPECT_EQ(std::tuple(day.tm_year, day.tm_mon, day.tm_mday), std::tuple(126, 10, 16));
   }
 }

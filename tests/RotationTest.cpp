@@ -132,7 +132,8 @@ TEST_F(RotationTest, DateModeFollowsTheDayOfTheStamp) {
   EXPECT_EQ(std::pair(Record().cur_date_ID, Record().cur_log_file_ID), std::pair(20261117U, 0U));
   const std::string early = "2026-11-17 00:00:00.007   early";
   EXPECT_EQ(ReadFile(folder_ / "app_20261117_000.log"), early) << "the first record of a file is flushed";
-  for (const std::time_t unusable : {std::time_t{-1}, kNoYear}) {
+  for (const std::time_t unusable :
+       {std::time_t{-1}, kNoYear, std::time_t{1} << 43, -(std::time_t{1} << 43)}) {
     fake.SetClock(unusable);
     EXPECT_EQ(LOG_INFO(handle_, "x"), 12);
     LOGHANDLE other = 77;

@@ -15,7 +15,7 @@ class ScramblingTest : public LogTest {
   }
 };
 
-TEST_F(ScramblingTest, FilesOfEverySizeAndALog) {
+TEST_F(ScramblingTest, FilesOfEverySize) {
   errno = ENOENT;
   for (const std::size_t size : {0U, 1U, 131071U, 131072U, 131073U, 400001U}) {
     std::string bytes(size, '\0');
@@ -28,11 +28,6 @@ TEST_F(ScramblingTest, FilesOfEverySizeAndALog) {
     std::ofstream(folder_ / "scrambled") << std::string(500000, 'x') << "longer than what comes next";
   }
   EXPECT_EQ(errno, ENOENT);
-  LogConfigRecEx config = Config("%D%N");
-  config.log_encrypt = 1;
-  for (Open(config); Log().size() < 50;) LOG_INFO(handle_, "x");
-  EXPECT_EQ(Convert("app.log", "text"), 0);
-  EXPECT_EQ(ReadFile(folder_ / "text").substr(0, 30), "2026-11-16   x\r\n2026-11-16   x");
 }
 
 TEST_F(ScramblingTest, RefusedFiles) {
@@ -44,8 +39,8 @@ TEST_F(ScramblingTest, RefusedFiles) {
   fs::create_directory(folder_ / "dir");
   // clang-format off
   constexpr struct { const char *from, *to; } kCases[] = {
-      {"none", "two"}, {"one", "dir"}, {"one", "none/new"}, {"dir", "two"}, {"", "two"}, {"one", "one"},
-      {"one", "dir/../one"}, {"one", "name"}, {"link", "name"}, {"name", "link"}};
+      {"none", "two"}, {"one", "dir"}, {"one", "none/new"}, {"dir", "two"}, {"one", "one"},
+      {"one", "name"}, {"link", "name"}};
   // clang-format on
   for (const auto& row : kCases) EXPECT_EQ(Convert(row.from, row.to), 5) << row.from << " to " << row.to;
   EXPECT_EQ(ReadFile(folder_ / "one") + ReadFile(folder_ / "two"), "12");

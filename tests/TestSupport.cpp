@@ -16,9 +16,6 @@ void* __real_realloc(void* block, std::size_t size);
 int __real_mkdir(const char* path, mode_t mode);
 int __real_fstat64(int descriptor, struct stat64* status);
 std::FILE* __real_fopen64(const char* path, const char* mode);
-int __real_gethostname(char* name, std::size_t size);
-int __real_uname(utsname* system);
-int __real_statfs64(const char* path, struct statfs64* status);
 
 static bool FailsNow() {
   errno = ENXIO;  // which a successful call may do as well
@@ -46,26 +43,19 @@ int __wrap_fstat64(int descriptor, struct stat64* status) {
 }
 std::FILE* __wrap_fopen64(const char* path, const char* mode) {
   const fs::path beside = fs::path(fake.library_file).replace_filename(fs::path(path).filename());
-  const bool as_it_is = fake.real_platform || !std::string(path).starts_with("/proc/");
-  return __real_fopen64(as_it_is ? path : beside.c_str(), mode);
+  return __real_fopen64(std::string(path).starts_with("/proc/") ? beside.c_str() : path, mode);
 }
 int __wrap_gethostname(char* name, std::size_t size) {
-  if (fake.real_platform) return __real_gethostname(name, size);
-  fake.host.copy(name, size);
-  return fake.host.empty() ? -1 : 0;
+  std::string(fake.host).append(1, '\0').copy(name, size);
+  return fake.host.empty() || fake.host.size() >= size ? -1 : 0;
 }
 int __wrap_uname(utsname* system) {
-  if (fake.real_platform) return __real_uname(system);
-  for (auto [field, text] : {std::pair(system->sysname, "Linux"),
-                             {system->machine, "x86_64"},
-                             {system->release, "5.15.0"},
-                             {system->version, "#1 SMP"}}) {
-    std::string(text).copy(field, sizeof system->sysname);
+  for (char* field : {system->sysname, system->machine, system->release, system->version}) {
+    fake.system_field.copy(field, sizeof system->sysname - 1);
   }
-  return fake.no_uname ? -1 : 0;
+  return fake.system_field.empty() ? -1 : 0;
 }
 int __wrap_statfs64(const char* path, struct statfs64* status) {
-  if (fake.real_platform) return __real_statfs64(path, status);
   status->f_bsize = 4096;
   status->f_blocks = fake.blocks;
   return fake.blocks == 0 || std::string(path) != "/" ? -1 : 0;

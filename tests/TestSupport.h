@@ -31,9 +31,8 @@ struct FakeSystem {
   int good_statuses = 1 << 30;  // calls of fstat until it fails
   int seconds_per_reading = 0;  // by which the clock moves on
   // What the banners ask for. The files of /proc lie beside the library.
-  bool real_platform = false, no_uname = false;
-  std::string host;               // empty: its name cannot be read
-  unsigned long long blocks = 0;  // of "/", of 4 KiB; 0: cannot be read
+  std::string host, system_field;  // empty: cannot be read; all fields of the system are the same
+  unsigned long long blocks = 0;   // of "/", of 4 KiB; 0: cannot be read
   int pid = 1, tid = 1;
   void SetClock(std::time_t second) { coarse_second = fine_second = second; }
 };

@@ -1,5 +1,5 @@
 #!/bin/sh
-# The public headers compile alone, in pairs, twice, and around <syslog.h>, in every standard from C99 and C++11 on,
+# The public headers compile alone, in pairs, twice, and around <syslog.h>, in the oldest and the newest standards,
 # with each compiler named; and the compiler checks the arguments of a record.
 # Usage: headers_test.sh SOURCE_DIR COMPILER_PAIR... where a pair is "cc,c++".
 set -eu
@@ -47,13 +47,13 @@ $use"; do
 done
 
 for pair in "$@"; do
-  for standard in c99 c11 c17; do
+  for standard in c99 c17; do
     for file in "$work"/*; do
       count=$((count + 1))
       compile c "${pair%,*}" $standard "$file" || { echo "failed: ${pair%,*} $standard"; cat "$file"; failed=1; }
     done
   done
-  for standard in c++11 c++14 c++17 c++20 c++2b; do
+  for standard in c++11 c++2b; do
     for file in "$work"/*; do
       count=$((count + 1))
       compile c++ "${pair#*,}" $standard "$file" || { echo "failed: ${pair#*,} $standard"; cat "$file"; failed=1; }
