@@ -15,13 +15,6 @@ ZoneMark CurrentZone() {
           __atomic_load_n(&::tzname[0], __ATOMIC_RELAXED), __atomic_load_n(&::tzname[1], __ATOMIC_RELAXED)};
 }
 
-// 0 for a year that the number has no room for.
-uint32 DayNumber(const std::tm& local) {
-  const std::int64_t year = std::int64_t{local.tm_year} + 1900;
-  const std::int64_t number = (year * 100 + local.tm_mon + 1) * 100 + local.tm_mday;
-  return year >= 0 && number <= INT32_MAX ? static_cast<uint32>(number) : 0;
-}
-
 }  // namespace
 
 ClockReading ReadClock() {
@@ -40,6 +33,12 @@ ClockReading ReadClock() {
 bool ConvertToLocal(std::time_t second, std::tm& local) {
   tzset();  // localtime_r alone may miss a time zone that the host has changed since
   return localtime_r(&second, &local) != nullptr;
+}
+
+uint32 DayNumber(const std::tm& local) {
+  const std::int64_t year = std::int64_t{local.tm_year} + 1900;
+  const std::int64_t number = (year * 100 + local.tm_mon + 1) * 100 + local.tm_mday;
+  return year >= 0 && number <= INT32_MAX ? static_cast<uint32>(number) : 0;
 }
 
 void UpdateSecondText(SecondText& text, std::time_t second) {

@@ -25,6 +25,9 @@ ClockReading ReadClock();
 // Converts to local time, by the time zone as it is now. Returns false for a second that has no date.
 bool ConvertToLocal(std::time_t second, std::tm& local);
 
+// The day as the number yyyymmdd, or 0 for a year that the number has no room for.
+uint32 DayNumber(const std::tm& local);
+
 // What the C library last knew of the local time zone. Its names are compared as pointers and never read:
 // another thread may be replacing them.
 struct ZoneMark {
@@ -59,7 +62,7 @@ struct SecondText {
 void UpdateSecondText(SecondText& text, std::time_t second);
 
 // The local day of a reading as the number yyyymmdd, by way of the cache. 0 when the clock could not be read
-// or its second has no date that the number has room for.
+// or its second has no such number.
 uint32 LocalDay(SecondText& text, const ClockReading& now);
 
 }  // namespace vintra

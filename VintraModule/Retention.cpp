@@ -29,7 +29,10 @@ sint32 DeleteLogFile(FileList* list_head, uint32 RentDate, const LogHandleRec* l
     if (!day) continue;
     const vintra::ClockReading now = vintra::ReadClock();
     std::tm today{};
-    if (!now.valid || !vintra::ConvertToLocal(now.second, today)) return vintra::kClockUnreadable;
+    // A clock that gives a file no day gives it no age either.
+    const bool usable =
+        now.valid && vintra::ConvertToLocal(now.second, today) && vintra::DayNumber(today) != 0;
+    if (!usable) return vintra::kClockUnreadable;
     if (std::cmp_less(GetDiffDay(today, *day), RentDate)) continue;
 
     sint8 path[vintra::kPathSize];

@@ -5,25 +5,11 @@
 
 namespace {
 
-class RetentionTest : public LogTest {
- protected:
-  RetentionTest() {
-    setenv("TZ", "CET-1CEST,M3.5.0,M10.5.0/3", 1);
-    tzset();
+struct RetentionTest : LogTest {
+  RetentionTest() { setenv("TZ", "CET-1CEST,M3.5.0,M10.5.0/3", 1); }
+  LOGHANDLE OpenDated(uint32 days, const char* name = "app.log") {
+    return Open(Config("", 0, 100, name, Log_Mode_Date, 0, days));
   }
-  static std::time_t Local(const char* text) {
-    std::tm local{};
-    local.tm_isdst = -1;
-    EXPECT_NE(strptime(text, "%Y-%m-%d %H:%M:%S", &local), nullptr);
-    return std::mktime(&local);
-  }
-  static LogConfigRecEx DateConfig(uint32 days, const std::string& name = "app.log") {
-    LogConfigRecEx config = Config("", 0, 100, name);
-    config.log_mode = Log_Mode_Date;
-    config.log_time_span = days;
-    return config;
-  }
-  bool Exists(const std::string& name) const { return fs::exists(folder_ / name); }
 };
 
 TEST_F(RetentionTest, Ages) {
@@ -43,12 +29,15 @@ TEST_F(RetentionTest, Ages) {
   // clang-format on
   for (const auto& row : kCases) {
     SCOPED_TRACE(std::string(row.now) + " " + std::to_string(row.days));
-    fake.SetClock(Local(row.now));
+    std::tm local{};
+    local.tm_isdst = -1;
+    strptime(row.now, "%Y-%m-%d %H:%M:%S", &local);
+    fake.SetClock(std::mktime(&local));
     const std::string removed = std::string("app_") + row.removed + "_000.log";
     const std::string kept = std::string("app_") + row.kept + "_000.log";
     MakeFile(removed, 5);
     MakeFile(kept, 5);
-    Open(DateConfig(row.days));
+    OpenDated(row.days);
     EXPECT_EQ(Exists(removed), *row.removed == '\0');
     EXPECT_TRUE(Exists(kept));
     fs::remove(folder_ / kept);
@@ -71,7 +60,7 @@ TEST_F(RetentionTest, NamesThatMatchAreTheNamesThatAreMade) {
   for (const auto& row : kCases) {
     SCOPED_TRACE(std::string(row.log) + " " + row.entry);
     MakeFile(row.entry, 5);
-    Open(DateConfig(7, row.log));
+    OpenDated(7, row.log);
     EXPECT_EQ(Exists(row.entry), !row.removed);
     fs::remove(folder_ / row.entry);
     sint8 name[vintra::kFileNameSize];
@@ -81,54 +70,31 @@ TEST_F(RetentionTest, NamesThatMatchAreTheNamesThatAreMade) {
   }
 }
 
-TEST_F(RetentionTest, RunsAtEveryRoll) {
-  const auto plant = [this] { MakeFile("app_20261114_000.log", 5); };
-  plant();
-  Open(DateConfig(2));
-  EXPECT_EQ(Files(), "app_20261116_000.log:0 ");
-  plant();
-  Write(101);
-  EXPECT_EQ(Files(), "app_20261114_000.log:5 app_20261116_000.log:101 ") << "a record alone removes nothing";
-  Write(10);
-  EXPECT_EQ(Files(), "app_20261116_000.log:101 app_20261116_001.log:10 ");
-  plant();
-  fake.SetClock(Local("2026-11-18 00:00:00"));
-  Write(10);
-  EXPECT_EQ(Files(), "app_20261118_000.log:10 ");
-}
-
 TEST_F(RetentionTest, EndsEarlyWhereAFileStaysOrTheClockDoes) {
-  const auto list = [](std::initializer_list<const char*> names) {
-    FileList* head = nullptr;
-    for (const char* name : names) vintra::CopyText((head = new FileList{{}, head})->file_name, name);
-    return head;
-  };
-  LogHandleRec handle{};
-  vintra::CopyText(handle.log_file_name, "app");
-  const auto set_folder = [&](std::size_t length) {  // the same folder, written in so many characters
-    std::string path = folder_.string() + "/";
-    if ((length - path.size()) % 2 != 0) path += "/";
-    while (path.size() < length) path += "./";
+  const auto remove = [this](std::size_t folder_length, std::initializer_list<const char*> names) {
+    FileList* list = nullptr;
+    for (const char* name : names) vintra::CopyText((list = new FileList{{}, list})->file_name, name);
+    LogHandleRec handle{};
+    vintra::CopyText(handle.log_file_name, "app");
+    std::string path = folder_.string() + "/";  // the same folder, written in so many characters
+    while (path.size() < folder_length) path += (folder_length - path.size()) % 2 != 0 ? "/" : "./";
     vintra::CopyText(handle.log_file_path, path);
+    return DeleteLogFile(list, 1, &handle);
   };
-  set_folder(243);
   fs::create_directory(folder_ / "app_20200101_000");
   MakeFile("app_20200101_001", 5);
-  EXPECT_EQ(DeleteLogFile(list({"app_20200101_001", "app_20200101_000", ""}), 1, &handle), -1);
-  EXPECT_TRUE(Exists("app_20200101_000") && Exists("app_20200101_001"));
+  EXPECT_EQ(remove(243, {"app_20200101_001", "app_20200101_000", ""}), -1);
   for (const std::time_t clock : {std::time_t{-1}, kNoYear}) {
     fake.SetClock(clock);
-    EXPECT_EQ(DeleteLogFile(list({"app_20200101_001", "app_20200101_000"}), 1, &handle), 12);
+    EXPECT_EQ(remove(243, {"app_20200101_001", "app_20200101_001"}), 12);
   }
   fake.SetClock(kStart);
-  set_folder(244);
-  EXPECT_EQ(DeleteLogFile(list({"app_20200101_001"}), 1, &handle), 0);
-  EXPECT_TRUE(Exists("app_20200101_001")) << "a path of 260 characters";
-  set_folder(243);
-  EXPECT_EQ(DeleteLogFile(list({"app_20200101_001"}), 1, &handle), 0);
+  EXPECT_EQ(remove(244, {"app_20200101_001"}), 0);
+  EXPECT_TRUE(Exists("app_20200101_000") && Exists("app_20200101_001")) << "a path of 260 characters";
+  EXPECT_EQ(remove(243, {"app_20200101_001"}), 0);
   EXPECT_FALSE(Exists("app_20200101_001"));
-  EXPECT_EQ(DeleteLogFile(nullptr, 1, &handle), 0);
-  const vintra::FileListPtr nothing(ListFileName("/nowhere", &handle));
+  EXPECT_EQ(DeleteLogFile(nullptr, 1, nullptr), 0);
+  const vintra::FileListPtr nothing(ListFileName("/nowhere", nullptr));
   EXPECT_TRUE(nothing->file_name[0] == '\0' && nothing->next == nullptr);
 }
 

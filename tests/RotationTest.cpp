@@ -4,7 +4,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <sstream>
 #include <vector>
 
 #include "TestSupport.h"
@@ -14,37 +13,11 @@
 namespace {
 
 // The modes with numbered files, by what stands before the number.
-constexpr std::pair<LogMode, const char*> kNumberedModes[] = {{Log_Mode_Rollback, "app"},
-                                                              {Log_Mode_Date, "app_20261116_"}};
+const std::pair<LogMode, std::string> kNumberedModes[] = {{Log_Mode_Rollback, "app"},
+                                                          {Log_Mode_Date, "app_20261116_"}};
 
 class RotationTest : public LogTest {
  protected:
-  static LogConfigRecEx Numbered(LogMode mode, const char* format, uint32 ring,
-                                 const std::string& name = "app.log") {
-    LogConfigRecEx config = Config(format, 0, 100, name);
-    config.log_mode = mode;
-    config.max_backup_index = ring;
-    return config;
-  }
-  // Makes files, and says which there are, by number and size: "000:100 001:7 ".
-  void MakeNumbered(const std::string& front, const std::string& files) const {
-    std::istringstream list(files);
-    for (std::string file; list >> file;)
-      MakeFile(front + file.substr(0, 3) + ".log", std::stoul(file.substr(4)));
-  }
-  std::string NumberedFiles(const std::string& front) const {
-    std::string text = Files();
-    for (const std::string& part : {front, std::string(".log")}) {
-      for (std::size_t at = 0; (at = text.find(part)) != std::string::npos;) text.erase(at, part.size());
-    }
-    return text;
-  }
-  fs::path CurrentFile(const std::string& front) const {
-    return folder_ / (front + std::to_string(1000 + Record().cur_log_file_ID).substr(1) + ".log");
-  }
-  void RemoveFiles() const {
-    for (const auto& entry : fs::directory_iterator(folder_)) fs::remove_all(entry);
-  }
   std::uintmax_t SizeOnDisk() const { return fs::file_size(folder_ / "app.log"); }
   std::string StreamNumber() const { return std::to_string(fileno(Record().file_out)); }
 };
@@ -59,143 +32,104 @@ TEST_F(RotationTest, SimpleModeEmptiesTheFileThatHasReachedItsLimit) {
   }
 }
 
-TEST_F(RotationTest, NumberedModesStartInTheFirstFileWithRoom) {
+TEST_F(RotationTest, NumberedModesFillTheFirstFileWithRoomAndMoveOnBeyondTheLimit) {
+  using Sizes = std::vector<std::size_t>;  // of the files 000, 001, 002, or of records
   // clang-format off
-  constexpr struct { uint32 ring, number; const char *format, *found, *left; } kCases[] = {
-      {20, 0, "", "", "000:0 "}, {20, 2, "", "000:100 001:250 002:99 ", "000:100 001:250 002:99 "},
-      {20, 0, "", "000:99 001:0 ", "000:99 001:0 "}, {2, 1, "", "000:100 ", "000:100 001:0 "},
-      {2, 0, "", "000:100 001:101 002:5 ", "000:0 001:101 002:5 "}, {1, 0, "", "000:100 ", "000:0 "},
-      {20, 0, "%C", "000:100 001:5 ", "000:0 001:5 "}, {0, 0, "", "000:150 001:5 ", "000:0 001:5 "},
-      {0, 0, "", "000:50 ", "000:50 "}};
-  // clang-format on
-  for (const auto& [mode, front] : kNumberedModes) {
-    for (const auto& row : kCases) {
-      SCOPED_TRACE(std::string(front) + row.found);
-      MakeNumbered(front, row.found);
-      Open(Numbered(mode, row.format, row.ring));
-      EXPECT_EQ(Record().cur_log_file_ID, row.number);
-      EXPECT_EQ(NumberedFiles(front), row.left);
-      EXPECT_EQ(Record().file_size, fs::file_size(CurrentFile(front)));
-      Close();
-      RemoveFiles();
-    }
-  }
-}
-
-TEST_F(RotationTest, NumberedModesMoveOnFromAFileBeyondItsLimit) {
-  struct Step {
-    std::size_t record;
-    const char* files;
-  };
-  // clang-format off
-  const struct { uint32 ring; const char* found; std::vector<Step> steps; } cases[] = {
-      {3, "001:7 ", {{40, "000:40 001:7 "}, {60, "000:100 001:7 "}, {10, "000:110 001:7 "}, {101, "000:110 001:101 "},
-                     {102, "000:110 001:101 002:102 "}, {30, "000:30 001:101 002:102 "}}},
-      {1, "", {{101, "000:101 "}, {9, "000:9 "}}},
-      {0, "", {{101, "000:101 "}, {102, "000:101 001:102 "}, {9, "000:101 001:102 002:9 "}}}};
+  const struct { uint32 ring; const char* format; Sizes found, records, left; } cases[] = {
+      {20, "", {}, {}, {0}}, {20, "", {100, 250, 99}, {2}, {100, 250, 101}}, {20, "", {99, 0}, {2, 3}, {101, 3}},
+      {2, "", {100}, {5}, {100, 5}}, {2, "", {100, 101, 5}, {7}, {7, 101, 5}}, {1, "", {100}, {}, {0}},
+      {20, "%C", {100, 5}, {}, {0, 5}}, {0, "", {150, 5}, {}, {0, 5}}, {0, "", {50}, {}, {50}},
+      {3, "", {0, 7}, {40, 60, 10}, {110, 7}}, {3, "", {0, 7}, {101, 102, 103, 9}, {9, 102, 103}},
+      {3, "", {101, 102, 3}, {98, 4}, {4, 102, 101}}, {1, "", {}, {101, 9}, {9}}, {0, "", {}, {101, 102, 9}, {101, 102, 9}}};
   // clang-format on
   for (const auto& [mode, front] : kNumberedModes) {
     for (const auto& row : cases) {
-      SCOPED_TRACE(std::string(front) + std::to_string(row.ring));
-      MakeNumbered(front, row.found);
-      Open(Numbered(mode, "none", row.ring));
-      std::string file;
-      for (const Step& step : row.steps) {
-        if (Record().file_size > 100) file.clear();
-        file += "  " + std::string(step.record - 2, 'x');
-        EXPECT_EQ(Write(step.record), 0);
-        EXPECT_EQ(NumberedFiles(front), step.files);
-        EXPECT_EQ(ReadFile(CurrentFile(front)), file);
+      const fs::path paths[] = {folder_ / (front + "000.log"), folder_ / (front + "001.log"),
+                                folder_ / (front + "002.log")};
+      for (std::size_t at = 0; at < row.found.size(); ++at) MakeFile(paths[at], row.found[at]);
+      Open(Config(*row.format ? row.format : "none", 0, 100, "app.log", mode, row.ring));
+      for (const std::size_t size : row.records) EXPECT_EQ(Write(size), 0);
+      Sizes left;
+      for (const fs::path& path : paths) {
+        if (fs::exists(path)) left.push_back(fs::file_size(path));
+        fs::remove(path);
       }
-      Close();
-      RemoveFiles();
+      EXPECT_EQ(left, row.left);
+      EXPECT_EQ(Files(), "");
     }
   }
 }
 
-TEST_F(RotationTest, DateModeFollowsTheDayOfTheStamp) {
+TEST_F(RotationTest, DateModeFollowsTheDayOfTheStampAndRemovesFilesAtEveryRoll) {
   setenv("TZ", "XST-2", 1);
   constexpr std::time_t kMidnight = 1794866400;  // between 2026-11-16 and -17, two hours before that of UTC
-  MakeFile("app_20261115_000.log", 5);
-  MakeFile("app_20261117_000.log", 500);
+  constexpr const char *kOld = "app_20261114_000.log", *kNew = "app_20261117_000.log";
+  const LogConfigRecEx config = Config("%D%T%N", 4096, 100, "app.log", Log_Mode_Date, 2, 2);
+  for (const char* file : {kOld, kNew}) MakeFile(file, 500);
   fake.SetClock(kMidnight - 2);
-  LogConfigRecEx config = Numbered(Log_Mode_Date, "%D%T%N", 2);
-  config.file_flush_size = 4096;
   Open(config);
-  const std::string long_text(100, 'x');
-  LOG_INFO(handle_, "%s", long_text.c_str());
+  EXPECT_EQ(Files(), "app_20261116_000.log:0 app_20261117_000.log:500 ");
+  EXPECT_EQ(LOG_INFO(handle_, "%s", std::string(100, 'x').c_str()), 0);
   fake.SetClock(kMidnight - 1);
   fake.seconds_per_reading = 1;  // whoever reads the clock twice for a record sees two days
+  MakeFile(kOld, 5);
   LOG_INFO(handle_, "late");
+  EXPECT_EQ(Files(), "app_20261116_000.log:126 app_20261116_001.log:30 app_20261117_000.log:500 ");
+  EXPECT_EQ(ReadFile(folder_ / "app_20261116_001.log"), "2026-11-16 23:59:59.007   late");
+  fake.SetClock(kMidnight);
   LOG_INFO(handle_, "early");
+  const std::string before = "app_20261116_000.log:126 app_20261116_001.log:30 app_20261117_000.log:";
+  EXPECT_EQ(Files(), before + "31 ") << "emptied, and the first record of a file is flushed";
   fake.seconds_per_reading = 0;
-  EXPECT_EQ(std::pair(Record().cur_date_ID, Record().cur_log_file_ID), std::pair(20261117U, 0U));
-  const std::string early = "2026-11-17 00:00:00.007   early";
-  EXPECT_EQ(ReadFile(folder_ / "app_20261117_000.log"), early) << "the first record of a file is flushed";
-  for (const std::time_t unusable :
-       {std::time_t{-1}, kNoYear, std::time_t{1} << 43, -(std::time_t{1} << 43)}) {
-    fake.SetClock(unusable);
+  for (const std::time_t year : {std::time_t{1} << 43, -(std::time_t{1} << 43), kNoYear, std::time_t{-1}}) {
+    fake.SetClock(year);
     EXPECT_EQ(LOG_INFO(handle_, "x"), 12);
     LOGHANDLE other = 77;
     EXPECT_EQ(LOG_MODULE_INIT_New_Ex(&config, &other), 12);
     EXPECT_EQ(other, 77);
   }
   fake.SetClock(kMidnight);
+  MakeFile(kOld, 5);
   LOG_INFO(handle_, "again");
   EXPECT_EQ(LOG_MSG_FLUSH(handle_), 0);
-  EXPECT_EQ(
-      Files(),
-      "app_20261115_000.log:5 app_20261116_000.log:126 app_20261116_001.log:30 app_20261117_000.log:64 ");
-  EXPECT_EQ(ReadFile(folder_ / "app_20261116_001.log"), "2026-11-16 23:59:59.007   late");
-  EXPECT_EQ(ReadFile(folder_ / "app_20261117_000.log"), early + "\r\n2026-11-17 00:00:00.007   again");
+  EXPECT_EQ(ReadFile(folder_ / kNew), "2026-11-17 00:00:00.007   early\r\n2026-11-17 00:00:00.007   again");
+  EXPECT_EQ(Files(), "app_20261114_000.log:5 " + before + "64 ") << "a record alone removes nothing";
   fake.SetClock(kMidnight - 60);  // set back: another day again
   LOG_INFO(handle_, "back");
-  EXPECT_EQ(ReadFile(folder_ / "app_20261116_000.log"), "2026-11-16 23:59:00.007   back");
+  EXPECT_EQ(Files(), "app_20261116_000.log:30 app_20261116_001.log:30 app_20261117_000.log:64 ");
   EXPECT_EQ(Errors(), "");
 }
 
 TEST_F(RotationTest, NumberedFilesThatCannotBeUsed) {
-  std::string expected;
-  const auto expect_not_opened = [&](const std::string& where, const std::string& path) {
-    expected += where + " open file(" + path.substr(0, 259) + ") for write failed.\n";
-  };
-  for (const auto& [mode, front_text] : kNumberedModes) {
-    const std::string front = front_text, added = front.substr(3), folder = folder_.string() + "/";
+  for (const auto& [mode, front] : kNumberedModes) {
+    const auto start = [&](uint32 ring, const std::string& name) {
+      Close();
+      const LogConfigRecEx config = Config("none", 0, 100, name, mode, ring);
+      return LOG_MODULE_INIT_New_Ex(&config, &handle_);
+    };
     // Paths of 259 characters, which one more digit or letter makes too long.
-    const std::string deep = folder + std::string(220 - folder.size(), 'd') + "/";
-    const std::string base = deep + std::string(252 - deep.size() - added.size(), 'n');
-    Open(Numbered(mode, "none", 0, base + ".log"));
+    const std::string folder = folder_.string() + "/" + std::string(200, 'd') + "/";
+    const std::string base = folder + std::string(255 - folder.size() - front.size(), 'n');
+    EXPECT_EQ(start(0, base + ".log"), 0);
     Record().cur_log_file_ID = 999;
-    EXPECT_EQ(Write(101), 0);
-    EXPECT_EQ(Write(10), 5);
-    EXPECT_EQ(Write(10), 1) << "from then on without a file";
-    expect_not_opened("LogMsg", base + added + "1000.log");
-    Close();
-    LogConfigRecEx config = Numbered(mode, "none", 2, base + "n.log");
-    EXPECT_EQ(LOG_MODULE_INIT_New_Ex(&config, &handle_), 5);
-    expect_not_opened("LOG_MODULE_INIT_Ex", std::string(base).append("n").append(added) + "000.log");
-
-    fs::create_directory(folder + front + "001.log");
-    Open(config = Numbered(mode, "none", 2));
-    EXPECT_EQ(Write(101), 0);
-    EXPECT_EQ(Write(10), 5);
-    expect_not_opened("LogMsg", folder + front + "001.log");
-    Close();
-    EXPECT_EQ(LOG_MODULE_INIT_New_Ex(&config, &handle_), 5);
-    expect_not_opened("LOG_MODULE_INIT_Ex", folder + front + "001.log");
+    for (const sint32 code : {0, 5, 1}) EXPECT_EQ(Write(101), code);
+    EXPECT_EQ(start(0, base + "n.log"), 5);
+    fs::create_directory(folder_ / (front + "001.log"));
+    EXPECT_EQ(start(2, "app.log"), 0);
+    for (const sint32 code : {0, 5, 1}) EXPECT_EQ(Write(101), code);
+    EXPECT_EQ(start(2, "app.log"), 5);
 
     const int next = dup(0);  // the descriptor that start-up will have
     close(next);
+    fs::remove(folder_ / "LogModuleErrMsg.log");
     for (const int good : {0, 1}) {  // the scan's look at the file, and the size check's
       fake.good_statuses = good;
-      config = Numbered(mode, "none", 2, "free.log");
-      EXPECT_EQ(LOG_MODULE_INIT_New_Ex(&config, &handle_), 5);
-      expected += "errno = 9\nBad file handle " + std::to_string(next);
-      expected += good == 0 && mode == Log_Mode_Date ? "\n" : ".\n";
+      EXPECT_EQ(start(2, "free.log"), 5);
     }
     fake.good_statuses = 1 << 30;
+    const std::string failed = "errno = 9\nBad file handle " + std::to_string(next);
+    EXPECT_EQ(Errors(), failed + (mode == Log_Mode_Date ? "\n" : ".\n") + failed + ".\n");
   }
-  EXPECT_EQ(Errors(), expected);
 }
 
 TEST_F(RotationTest, FlushesWhenTheThresholdIsReached) {

@@ -83,13 +83,12 @@ TEST_F(ScramblingTest, BuffersInEveryPositionToEachOther) {
 TEST_F(ScramblingTest, BuffersWithoutRoom) {
   sint8 source[11] = {'a'}, dest[11] = {'b'};
   uint32 room = 10;
-  EXPECT_EQ(GetEncryptData(nullptr, 1, dest, &room), 1);
-  EXPECT_EQ(GetEncryptData(source, 1, nullptr, &room), 1);
-  EXPECT_EQ(GetEncryptData(source, 1, dest, nullptr), 1);
+  const std::tuple<const sint8*, sint8*, uint32*> nulls[] = {
+      {nullptr, dest, &room}, {source, nullptr, &room}, {source, dest, nullptr}};
+  for (const auto& [from, to, size] : nulls) EXPECT_EQ(GetEncryptData(from, 1, to, size), 1);
   EXPECT_EQ(room, 10U);
   EXPECT_EQ(GetEncryptData(source, 11, dest, &room), 1);
-  EXPECT_EQ(room, 11U);
-  EXPECT_EQ(dest[0], 'b');
+  EXPECT_EQ(std::pair(room, dest[0]), std::pair(11U, 'b'));
   EXPECT_EQ(GetEncryptData(source, 11, dest, &room), 0);
   EXPECT_EQ(dest[0], 'a' ^ 0x3C);
 }

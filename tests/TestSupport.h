@@ -67,18 +67,22 @@ class LogTest : public testing::Test {
     fs::remove_all(folder_);
   }
 
-  // A simple-mode log, plain, every level, flushed after each record unless told otherwise.
+  // A log in plain text, of every level, flushed after each record unless told otherwise.
   static LogConfigRecEx Config(const char* format, uint32 flush_size = 0, uint32 limit = 1U << 30,
-                               const std::string& name = "app.log") {
+                               const std::string& name = "app.log", LogMode mode = Log_Mode_Simple,
+                               uint32 ring = 0, uint32 days = 0) {
     LogConfigRecEx config{};
     name.copy(config.log_file_name, sizeof config.log_file_name);  // 260 characters leave no terminator
     vintra::CopyText(config.log_format, format);
-    config.log_mode = Log_Mode_Simple;
+    config.log_mode = mode;
     config.log_level = Log_Level_Trace;
     config.max_file_size = limit;
+    config.max_backup_index = ring;
     config.file_flush_size = flush_size;
+    config.log_time_span = days;
     return config;
   }
+  bool Exists(const std::string& name) const { return fs::exists(folder_ / name); }
   LOGHANDLE Open(const LogConfigRecEx& config) {
     Close();
     EXPECT_EQ(LOG_MODULE_INIT_New_Ex(&config, &handle_), 0);
