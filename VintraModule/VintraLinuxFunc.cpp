@@ -100,16 +100,16 @@ sint32 SystemInfo(LOGHANDLE log_handle, LogHandleRec* log_handleRec, sint8* buf)
     return vintra::kSuccess;
   }
 
+  // Labels and line feeds are some 70 bytes, so a host name that gives way leaves room for all the rest.
+  static_assert(70 + 4 * sizeof system.sysname + sizeof processor + sizeof memory < vintra::kBannerSize);
   const auto write = [&](int longest_host) {
     return std::snprintf(buf, vintra::kBannerSize,
                          "\nSystem name: %s, Host name: %.*s, Hardware: %s, Release: %s, Version: %s\n%s\n%s",
                          system.sysname, longest_host, host, system.machine, system.release, system.version,
                          processor, memory);
   };
-  // Labels and line feeds are some 70 bytes, so a host name that gives way leaves room for all the rest.
-  static_assert(70 + 4 * sizeof system.sysname + sizeof processor + sizeof memory < vintra::kBannerSize);
-  write(static_cast<int>(vintra::kBannerSize - 1) - write(0));
-  return vintra::kSuccess;
+  const int length = write(static_cast<int>(vintra::kBannerSize - 1) - write(0));
+  return length < 0 ? vintra::kNoSystemInfo : vintra::kSuccess;
 }
 
 sint8* PidAndTidInfo(LogHandleRec* log_handleRec, sint8* buf) {
