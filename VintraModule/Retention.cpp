@@ -6,7 +6,6 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
-#include <utility>
 
 #include "Common/Text.h"
 #include "FolderModule/PathParts.h"
@@ -17,23 +16,36 @@ namespace {
 constexpr sint32 kNotRemoved = -1;
 constexpr std::int64_t kSecondsOfDay = 86400;
 
+// Nothing for a clock that cannot be read, or that could not give a file its day.
+std::optional<std::tm> LocalNow() {
+  const vintra::ClockReading now = vintra::ReadClock();
+  std::tm local{};
+  if (!now.valid || !vintra::ConvertToLocal(now.second, local) || vintra::DayNumber(local) == 0) return {};
+  return local;
+}
+
+// Days on the calendar, each of 24 hours.
+std::int64_t CalendarDays(std::tm later, std::tm earlier) {
+  return (std::int64_t{timegm(&later)} - std::int64_t{timegm(&earlier)}) / kSecondsOfDay;
+}
+
 }  // namespace
 
 sint32 DeleteLogFile(FileList* list_head, uint32 RentDate, const LogHandleRec* log_handle) {
   vintra::FileListPtr rest(list_head);
+  std::optional<std::tm> now;
   while (rest) {
     const std::unique_ptr<FileList> entry(rest.release());
     rest.reset(entry->next);
 
     const std::optional<std::tm> day = vintra::DayOfEntry(*log_handle, vintra::FieldText(entry->file_name));
     if (!day) continue;
-    const vintra::ClockReading now = vintra::ReadClock();
-    std::tm today{};
-    // A clock that gives a file no day gives it no age either.
-    const bool usable =
-        now.valid && vintra::ConvertToLocal(now.second, today) && vintra::DayNumber(today) != 0;
-    if (!usable) return vintra::kClockUnreadable;
-    if (std::cmp_less(GetDiffDay(today, *day), RentDate)) continue;
+    if (!now) now = LocalNow();
+    if (!now) return vintra::kClockUnreadable;
+    // Where winter time is the exception to the standard, the first second of a winter day lies an hour back
+    // in the day before, and late in the evening today's files would count as yesterday's.
+    const std::int64_t age = std::min<std::int64_t>(GetDiffDay(*now, *day), CalendarDays(*now, *day));
+    if (age < RentDate) continue;
 
     sint8 path[vintra::kPathSize];
     if (!vintra::JoinPath(path, log_handle->log_file_path, entry->file_name, "")) continue;
