@@ -56,10 +56,10 @@ void UpdateSecondText(SecondText& text, std::time_t second) {
   text.valid = true;
 }
 
-uint32 LocalDay(SecondText& text, const ClockReading& now) {
-  if (!now.valid) return 0;
-  UpdateSecondText(text, now.second);
-  return text.day;
+ClockReading ReadClock(SecondText& text) {
+  const ClockReading now = ReadClock();
+  if (now.valid) UpdateSecondText(text, now.second);
+  return now;
 }
 
 }  // namespace vintra

@@ -61,9 +61,8 @@ struct SecondText {
 // by a second when the clock is, as for a leap second.
 void UpdateSecondText(SecondText& text, std::time_t second);
 
-// The local day of a reading as the number yyyymmdd, by way of the cache. 0 when the clock could not be read
-// or its second has no such number.
-uint32 LocalDay(SecondText& text, const ClockReading& now);
+// Reads the clock and makes text that of its second, where it has one.
+ClockReading ReadClock(SecondText& text);
 
 }  // namespace vintra
 

@@ -81,8 +81,7 @@ struct LogHandleRec {
   uint32 log_encrypt;
 
   // Behind the published fields, under Critical_Section.
-  // The reading of the record being written: what decides its file is also what it is stamped with.
-  vintra::ClockReading now;
+  vintra::ClockReading now;  // one for a record: what decides its file is also what it is stamped with
   vintra::SecondText second_text;
   sint8* stream_buffer;  // lent to file_out; null where the stream has its own
   bool first_flush_due;  // a roll has started the file, and nothing of it has been flushed yet

@@ -1,5 +1,6 @@
 #include "VintraModule/VintraModuleInter.h"
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cerrno>
@@ -118,7 +119,6 @@ bool AppendSource(LogHandleRec& handle, HeaderText& header) {
 sint32 AppendHeader(LogHandleRec& handle, std::string_view tag, HeaderText& header) {
   const vintra::ClockReading& now = handle.now;
   const vintra::SecondText& second = handle.second_text;
-  if (handle.log_date || handle.log_time) vintra::UpdateSecondText(handle.second_text, now.second);
   if ((handle.log_date && second.date_length == 0) || (handle.log_time && second.time_length == 0)) {
     REPORT_ERROR("logMsgWriteFile strftime failed(errorcode:%d).", 0);
     return vintra::kHeaderFailed;
@@ -146,7 +146,11 @@ sint32 AppendHeader(LogHandleRec& handle, std::string_view tag, HeaderText& head
 std::size_t WritePiece(LogHandleRec& handle, FILE* file_out, std::span<sint8> piece) {
   if (handle.log_encrypt == 1) vintra::Scramble(piece);
   const std::size_t items = std::fwrite(piece.data(), piece.size(), 1, file_out);
-  if (items == 1) handle.file_size += static_cast<uint32>(piece.size());
+  if (items == 1) {
+    // Saturates: a file of 4 GiB is full, not empty.
+    const std::size_t room = UINT32_MAX - handle.file_size;
+    handle.file_size += static_cast<uint32>(std::min(piece.size(), room));
+  }
   return items;
 }
 
@@ -216,7 +220,7 @@ sint32 LogMsg(LogHandleRec* log_handle, const sint8* log_level, sint8* msg) {
 
   const vintra::MutexLock lock(log_handle->Critical_Section);
   if (log_handle->file_out == nullptr) return vintra::kInvalidArgument;
-  log_handle->now = vintra::ReadClock();
+  log_handle->now = vintra::ReadClock(log_handle->second_text);
   const vintra::FileMode& mode = vintra::FindFileMode(log_handle->log_mode);
   if (const sint32 code = mode.rollover(log_handle, file_name, path); code != 0) return code;
   const sint32 code = logMsgWriteFile(log_handle, log_handle->file_out, log_level, msg);
@@ -267,8 +271,8 @@ sint32 RollbackMode(LogHandleRec* log_handle, sint8* file_name, sint8* log_file_
 }
 
 sint32 DateMode(LogHandleRec* log_handle, sint8* file_name, sint8* log_file_name) {
-  const uint32 day = vintra::LocalDay(log_handle->second_text, log_handle->now);
-  if (day == 0) return vintra::kClockUnreadable;
+  const uint32 day = log_handle->second_text.day;
+  if (!log_handle->now.valid || day == 0) return vintra::kClockUnreadable;
   const bool same_day = day == log_handle->cur_date_ID;
   if (same_day && log_handle->file_size <= log_handle->max_file_size) return vintra::kSuccess;
   const vintra::CancellationPause pause;
