@@ -6,7 +6,8 @@
 
 // Appends one line to LogModuleErrMsg.log in the folder of the library's file: time stamp, base name of
 // file_name, line, message. The line goes out in one write, so lines of several threads and processes stay
-// whole. Takes no lock and may be called with a handle's mutex held.
+// whole. May be called with a handle's mutex held: it takes no lock of the library's, but waits for the
+// loader while another thread loads a library.
 //
 // Returns the number of characters appended: 0 when the report could not be stored, which nobody is told of;
 // or 12 when the clock could not be read.

@@ -40,7 +40,7 @@
  * Handles do not wait for each other. Two handles, or two processes, on one folder and base name are not
  * coordinated. Flush before fork, as unflushed records exist in both processes after it; a child of a process
  * with several threads leaves inherited handles alone. Stop logging in other threads before exit. No call is
- * for signal handlers.
+ * for signal handlers, nor for the constructors of a library that dlopen is loading.
  *
  * Files are opened close-on-exec and in append mode, so that another program may truncate or append to one.
  * Sizes are 32-bit: a log file is meant to stay below 2 GiB.
@@ -81,22 +81,22 @@ typedef enum LogLevel VINTRA_ENUM_BASE {
  * Rollback: a ring of 20 files, app000.log to app019.log. Start-up goes on in the first of them that is below
  * max_file_size; when all are at or above it, app000.log is emptied. The first record after the file has
  * grown beyond max_file_size (by one byte or more) empties the next file of the ring and goes there; behind
- * the last file stands the first. With a max_backup_index of 0 start-up takes app000.log and numbers never
- * wrap.
+ * the last file stands the first. With a max_backup_index of 0 numbers never wrap; start-up then takes
+ * file 000 even if that is full, so that a restart empties the files of before one by one.
  *
- * Date: files per local day, app_20261116_000.log to app_20261116_019.log for 16 November 2026, which follow
- * each other within the day as those of a ring do. The first record of another day goes to that day's file
- * 000, emptied; the day of a record is the one it is stamped with. Setting the clock back across midnight
- * by more than a second therefore starts the earlier day's file 000 over. A log that is not written to keeps
- * its file.
+ * Date: files per local day, app_20261116_000.log to app_20261116_019.log for 16 November 2026, each day's a
+ * ring of its own, at start-up too. The first record of another day goes to that day's file 000, emptied; the
+ * day of a record is the one it is stamped with. Setting the clock back across midnight by more than a
+ * second, or the time zone west, therefore starts the earlier day's file 000 over. A log that is not written
+ * to keeps its file.
  *
  * Retention: where log_time_span is not 0, the date mode removes the log's files of days that lie
  * log_time_span days back or more, at start-up and whenever it moves on to another file. With 7 the files of
  * today and of the six days before stay. A file is the log's when its name is the base name, a character,
  * eight digits, four characters and the extension: a number of four digits is not matched, and another log of
- * the same name is. In the first hour of a day in summer time ages count one day less. Records through the
- * handle wait for the pass. It ends, without a report, at a file that cannot be removed, and at a folder with
- * such a name, which it never removes; the next pass tries again. In the folder "/" nothing is matched.
+ * the same name is. In the first hour or two of a day in summer time ages count one day less. Records through
+ * the handle wait for the pass. It ends, without a report, at a file that cannot be removed, and at a folder
+ * with such a name, which it never removes; the next pass tries again. In the folder "/" nothing is matched.
  *
  * Without a usable clock the date mode neither starts up nor writes a record, and keeps its file: 12.
  */
@@ -122,7 +122,8 @@ typedef struct LogConfigRec {
   uint32 max_file_size;
   uint32 max_backup_index; /* files of a ring or day, 0 for no end; the simple mode does not use it */
   /* Flush when this many bytes are unflushed. 0 flushes after every record, which is then safe from the death
-   * of the process; otherwise a killed process loses at most this many bytes and one record. */
+   * of the process; otherwise a killed process loses at most this many bytes and one record, and so does a
+   * full disk when the log moves on to another file, which only the error log tells of. */
   uint32 file_flush_size;
   uint32 log_time_span; /* days that the date mode keeps its files, 0 for ever; other modes do not use it */
   /* The pieces of each line, as directives: '%', any number of blanks, and a capital letter. Other text is
