@@ -1,7 +1,8 @@
-// The bytes of a record, and what a record costs.
+// The bytes of a record and of a line of the error log, and what a record costs.
 #include <cerrno>
 
 #include "TestSupport.h"
+#include "VintraModule/ErrLog.h"
 #include "VintraModule/VintraModuleInter.h"
 
 #pragma GCC diagnostic ignored "-Wformat"  // a pedantic C++ compiler knows no %m
@@ -23,22 +24,18 @@ TEST_F(LogLineTest, LayoutAndScrambling) {
   // clang-format on
   for (const uint32 encrypt : {0U, 2U, 1U}) {
     for (const auto& row : kRows) {
-      SCOPED_TRACE(row.format);
-      LogConfigRecEx config = Config(row.format);
-      vintra::CopyText(config.module_name, row.module_name);
-      config.log_encrypt = encrypt;
-      if (*row.format == '\0') fs::remove(folder_ / "app.log");  // only "%C" empties a file
-      EXPECT_EQ(SourceInfo(Open(config), row.source_file, 42), handle_);
-      EXPECT_EQ(LOG_INFO(handle_, "disk %s", "full"), 0);
-      EXPECT_EQ(LOG_INFO(handle_, "disk %s", "full"), 0);
+      if (*row.format == '\0') fs::remove("app.log");  // only "%C" empties a file
+      Open({.format = row.format, .encrypt = encrypt, .module = row.module_name});
+      EXPECT_EQ(SourceInfo(handle_, row.source_file, 42), handle_);
+      for (int record = 0; record < 2; ++record) EXPECT_EQ(LOG_INFO(handle_, "disk %s", "full"), 0);
       const std::string text = std::string(row.line).append(row.separated ? "\r\n" : "").append(row.line);
-      EXPECT_EQ(encrypt == 1 ? Unscrambled(Log()) : Log(), text);
+      EXPECT_EQ(encrypt == 1 ? Unscrambled(Log()) : Log(), text) << row.format;
     }
   }
 }
 
 TEST_F(LogLineTest, SourcePositionStaysUntilTheNextOneAndIsBounded) {
-  SourceInfo(Open(Config("%D%F%L")), std::string(300, 'n').append(".c").c_str(), 7);
+  SourceInfo(Open({"%D%F%L"}), std::string(300, 'n').append(".c").c_str(), 7);
   SourceInfo(handle_, "other.c", 0);
   SourceInfo(handle_, "", 9);
   LOG_INFO(handle_, "|");
@@ -54,11 +51,10 @@ TEST_F(LogLineTest, LevelsTagsAndThresholds) {
       LOG_TRACE, LOG_DEBUG, LOG_INFO, LOG_NOTICE, LOG_WARN, LOG_ERROR, LOG_CRIT, LOG_FATAL};
   const std::string words[] = {"TRACE", "DEBUG", "INFO", "NOTICE", "WARN", "ERROR", "CRIT", "FATAL"};
   char text[] = "x";
-  for (uint32 threshold = Log_Level_Trace; threshold <= Log_Level_Disable; ++threshold) {
-    LogConfigRecEx config = Config("%E", 0, 1000, "sub/app.log");
-    config.log_level = static_cast<LogLevel>(threshold);
-    fs::remove_all(folder_ / "sub");
-    EXPECT_EQ(LOG_LEVEL(Open(config)), config.log_level);
+  for (uint32 threshold = 1; threshold <= 9; ++threshold) {
+    const bool disabled = threshold == 9;
+    fs::remove_all("sub");
+    EXPECT_EQ(LOG_LEVEL(Open({.format = "%E", .name = "sub/app.log", .level = threshold})), threshold);
     std::string expected;
     fake.allocations = 0;
     for (uint32 level = 1; level <= 8; ++level) {
@@ -66,24 +62,29 @@ TEST_F(LogLineTest, LevelsTagsAndThresholds) {
       if (level >= threshold) expected += "[" + words[level - 1] + "]    x";
     }
     EXPECT_EQ(fake.allocations, static_cast<int>(9 - threshold)) << "one for a record, none if dropped";
-    EXPECT_EQ(threshold == Log_Level_Trace ? 0 : LogRecord(handle_, "Trace", "%s", text), 0);
-    EXPECT_EQ(LogRecord(handle_, "info", "%s", text), threshold == Log_Level_Disable ? 1 : 0);
-    if (threshold != Log_Level_Disable) expected += "  x";  // an unknown word passes, without a tag
-    EXPECT_EQ(ReadFile(folder_ / "sub/app.log"), expected);
-    EXPECT_EQ(fs::exists(folder_ / "sub"), threshold != Log_Level_Disable);
+    EXPECT_EQ(threshold == 1 ? 0 : LogRecord(handle_, "Trace", "%s", text), 0);
+    EXPECT_EQ(LogRecord(handle_, "info", "%s", text), disabled ? 1 : 0);
+    if (!disabled) expected += "  x";  // an unknown word passes, without a tag
+    EXPECT_EQ(ReadFile("sub/app.log"), expected);
+    EXPECT_EQ(fs::exists("sub"), !disabled);
     EXPECT_EQ(LOG_MSG_FLUSH(handle_), 0);
   }
 }
 
 TEST_F(LogLineTest, MessagesOfAnyLengthUnderTheHostsErrno) {
-  for (const std::size_t length : {0U, 998U, 999U, 5000U, 200000U}) {
-    Open(Config("%C"));
+  constexpr std::tuple<int, int, int> kCases[] = {
+      // length, allocations, the one that fails
+      {0, 1, 0}, {998, 1, 0}, {999, 2, 0}, {5000, 2, 0}, {200000, 2, 0}, {5000, 1, 1}, {5000, 2, 2}};
+  for (const auto& [length, allocations, failing] : kCases) {
+    Open({"%C"});
     fake.allocations = 0;
+    fake.failing_allocation = failing;
     errno = ENOENT;
-    EXPECT_EQ(LOG_INFO(handle_, "%s%m", std::string(length, 'x').c_str()), 0);
-    EXPECT_EQ(fake.allocations, length + 25 < 1024 ? 1 : 2);
-    EXPECT_EQ(Log(), "  " + std::string(length, 'x') + "No such file or directory");
-    EXPECT_EQ(Record().file_size, length + 27);
+    EXPECT_EQ(LOG_INFO(handle_, "%*s%m", length, ""), failing == 0 ? 0 : 2);
+    EXPECT_EQ(fake.allocations, allocations);
+    const std::string blanks(static_cast<std::size_t>(length) + 2, ' ');
+    EXPECT_EQ(Log(), failing == 0 ? blanks + "No such file or directory" : "");
+    EXPECT_EQ(Record().file_size, Log().size());
   }
 }
 
@@ -91,74 +92,75 @@ TEST_F(LogLineTest, RefusedRecordsLeaveNothingBehind) {
   const char* const no_format = nullptr;
   const wchar_t no_character[] = {0x7fffffff, 0};
   LogHandleRec not_live{};
-  EXPECT_EQ(LOG_INFO(Open(Config("")), no_format), 1);
   for (LOGHANDLE handle : {reinterpret_cast<LOGHANDLE>(&not_live), null_log_handle}) {
     LOG_MODULE_DESTORY(&handle);
     EXPECT_EQ(std::pair(LOG_INFO(handle, "x"), LOG_MSG_FLUSH(handle)), std::pair(1, 1));
     EXPECT_EQ(LOG_LEVEL(handle), Log_Level_Disable);
   }
   LOG_MODULE_DESTORY(nullptr);
+  EXPECT_EQ(LOG_INFO(Open({}), no_format), 1);
   fake.allocations = 0;
   EXPECT_EQ(LOG_INFO(handle_, "%ls", no_character), 2);
   EXPECT_EQ(fake.allocations, 1) << "no buffer is large enough, so none is tried";
-  for (const int ordinal : {1, 2}) {
-    fake.allocations = 0;
-    fake.failing_allocation = ordinal;
-    EXPECT_EQ(LOG_INFO(handle_, "%5000d", 1), 2);
-  }
   EXPECT_EQ(LOG_INFO(handle_, "next"), 0);
   EXPECT_EQ(Log(), "  next");
 }
 
 TEST_F(LogLineTest, OneInstantPerStampAndNeverASecondBack) {
   // clang-format off
-  constexpr struct { int fine, coarse; unsigned short millisecond; const char* stamp; } kInstants[] = {
-      {0, 0, 999, "13:24:14.999"}, {1, 0, 2, "13:24:15.002"},  // time() lags
-      {1, 2, 999, "13:24:15.999"}, {5, 2, 0, "13:24:16.000"},  // the second turned in between; time() rules
-      {9, 9, 7, "13:24:23.007"}, {8, 8, 900, "13:24:23.900"},  // the clock is stepped back by one second
-      {-3600, -3600, 0, "12:24:14.000"}};
+  constexpr struct { std::time_t fine, coarse; const char* stamp; unsigned short millisecond; bool told = true;
+                     sint32 code = 0; const char* zone = "UTC"; } kCases[] = {  // told by tzset of a new time zone
+      {0, 0, "13:24:14.999", 999}, {1, 0, "13:24:15.002", 2},  // time() lags
+      {1, 2, "13:24:15.999", 999}, {5, 2, "13:24:16.000", 0},  // the second turned in between; time() rules
+      {9, 9, "13:24:23.007", 7}, {8, 8, "13:24:23.900", 900},  // the clock is stepped back by one second
+      {-3600, -3600, "12:24:14.000", 0}, {-1 - kStart, -1 - kStart, "", 0, true, 12},
+      {kNoYear, kNoYear, "", 0, true, 10}, {0, 0, "", 1000, true, 10}, {0, 0, "13:24:14.007", 7},
+      // Another time zone within the second, and one that is noticed at the next second by itself.
+      {0, 0, "15:24:14.007", 7, true, 0, "XST-2"}, {1, 1, "16:24:15.007", 7, false, 0, "XST-3"}};
   // clang-format on
-  Open(Config("%T"));
+  Open({"%T%E"});
   std::string expected;
-  for (const auto& row : kInstants) {
+  for (const auto& row : kCases) {
     fake.fine_second = kStart + row.fine;
     fake.coarse_second = kStart + row.coarse;
     fake.millisecond = row.millisecond;
-    EXPECT_EQ(LOG_INFO(handle_, "x"), 0);
-    expected += std::string(row.stamp) + "   x";
+    setenv("TZ", row.zone, 1);
+    if (row.told) tzset();
+    EXPECT_EQ(LOG_INFO(handle_, "x"), row.code);
+    if (row.code == 0) expected += std::string(row.stamp) + " [INFO]    x";
   }
-  EXPECT_EQ(Log(), expected);
-}
-
-TEST_F(LogLineTest, ChangesOfTheTimeZone) {
-  LOG_INFO(Open(Config("%T")), "|");
-  setenv("TZ", "XST-2", 1);
-  tzset();
-  LOG_INFO(handle_, "|");  // within the second
-  setenv("TZ", "XST-3", 1);
-  fake.SetClock(kStart + 1);  // noticed at the next second, though nobody has called tzset
-  LOG_INFO(handle_, "|");
-  EXPECT_EQ(Log(), "13:24:14.007   |15:24:14.007   |16:24:15.007   |");
-}
-
-TEST_F(LogLineTest, UnusableClockAndHeader) {
   char text[] = "x";
-  Open(Config("%D%T%E"));
-  fake.SetClock(-1);
-  EXPECT_EQ(LOG_INFO(handle_, "x"), 12);
-  fake.SetClock(kNoYear);
-  EXPECT_EQ(LOG_INFO(handle_, "x"), 10);
-  fake.SetClock(kStart);
-  fake.millisecond = 1000;
-  EXPECT_EQ(LOG_INFO(handle_, "x"), 10);
-  fake.millisecond = 7;
-  EXPECT_EQ(LogMsg(&Record(), std::string(1000, 't').c_str(), text), 10);
+  EXPECT_EQ(LogMsg(&Record(), std::string(1020, 't').c_str(), text), 10);
+  EXPECT_EQ(Log(), expected);
   EXPECT_EQ(Errors(),
             "logMsgWriteFile strftime failed(errorcode:0).\n"
             "logMsgWriteFile strftime sprintf(errorcode:-1).\n"
             "logMsgWriteFile sprintf failed(errorcode:-1).\n");
-  EXPECT_EQ(LOG_INFO(handle_, "y"), 0);
-  EXPECT_EQ(Log(), "2026-11-16 13:24:14.007 [INFO]    y");
+}
+
+TEST_F(LogLineTest, ErrorLog) {
+  const std::string name(300, 'n'), text(5000, 't'), stamp = "2026-11-16 13:24:14.007  Errlog:";
+  std::string expected = stamp + "writer.src(595) logMsgWriteFile strftime failed(errorcode:0).\n";
+  EXPECT_EQ(PrintErrLog("a/b/writer.src", 595, "logMsgWriteFile strftime failed(errorcode:%d).", 0),
+            static_cast<sint32>(expected.size()));
+  fake.coarse_second -= 1;  // the clocks stand on two sides of a second's edge
+  PrintErrLog(("/" + name).c_str(), 1, "%s", text.c_str());
+  expected += stamp + "/" + name + "(1) " + text + "\n";
+  for (const auto& [clock, code] : {std::pair(std::time_t{-1}, 12), {kNoYear, 24}}) {
+    fake.SetClock(clock);
+    EXPECT_EQ(PrintErrLog("w.src", 1, "x"), code);
+  }
+  EXPECT_EQ(ReadFile("LogModuleErrMsg.log"), expected + ".007  Errlog:w.src(1) x\n");
+}
+
+TEST_F(LogLineTest, ErrorLogWithoutRoomOrFolder) {
+  for (const std::size_t length : {235U, 236U}) fs::create_directory(std::string(length, 'l'));
+  for (const std::size_t length :
+       {234U, 235U, 236U}) {  // of a folder that is missing, and of two that are there
+    fake.library_file = std::string(length, 'l') + "/x.so";
+    EXPECT_EQ(PrintErrLog("w.src", 1, "x") > 0, length == 235);
+  }
+  EXPECT_TRUE(fs::is_empty(std::string(236, 'l')) && !fs::is_empty(std::string(235, 'l')));
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// From a configuration record to an open file, or to a result that says why not.
+// From a configuration record to an open file and its first records, or to a result that says why not.
 #include "TestSupport.h"
 
 namespace {
@@ -7,52 +7,40 @@ using StartupTest = LogTest;
 
 TEST_F(StartupTest, RefusedRecords) {
   // clang-format off
-  constexpr struct { void (*spoil)(LogConfigRecEx&); const char* message; } kCases[] = {
-      {[](auto& config) { config.max_file_size = 0; }, ""},
-      {[](auto& config) { config.log_file_name[0] = 0; }, ""},
-      {[](auto& config) { config.log_level = static_cast<LogLevel>(0); }, ""},
-      {[](auto& config) { config.log_level = static_cast<LogLevel>(10); }, ""},
-      {[](auto& config) { config.log_mode = static_cast<LogMode>(0); }, ""},
-      {[](auto& config) { config.log_mode = static_cast<LogMode>(4); }, ""},
-      {[](auto& config) { config.max_file_size = 1U << 31; }, "max_file_size(2147483648) is above 2147483647."}};
+  constexpr struct { uint32 mode, level, limit; const char *name, *errors; } kCases[] = {
+      {1, 1, 0, "app.log", ""}, {1, 1, 1, "", ""}, {1, 0, 1, "app.log", ""}, {1, 10, 1, "app.log", ""},
+      {0, 1, 1, "app.log", ""}, {4, 1, 1, "app.log", ""},
+      {1, 1, 1U << 31, "app.log", "LOG_MODULE_INIT_Ex max_file_size(2147483648) is above 2147483647.\n"}};
   // clang-format on
-  LOGHANDLE handle = 77;
   for (const auto& row : kCases) {
-    LogConfigRecEx config = Config("");
-    row.spoil(config);
-    EXPECT_EQ(LOG_MODULE_INIT_New_Ex(&config, &handle), 1);
-    EXPECT_EQ(Errors(), *row.message ? std::string("LOG_MODULE_INIT_Ex ") + row.message + "\n" : "");
-    fs::remove(folder_ / "LogModuleErrMsg.log");
+    EXPECT_EQ(Start({.limit = row.limit, .name = row.name, .mode = row.mode, .level = row.level}), 1);
+    EXPECT_EQ(Errors(), row.errors);
   }
-  const LogConfigRecEx good = Config("");
+  const LogConfigRecEx good = Settings{}.Config();
   EXPECT_EQ(LOG_MODULE_INIT_New_Ex(&good, nullptr), 1);
-  EXPECT_EQ(LOG_MODULE_INIT_New_Ex(nullptr, &handle), 1);
-  EXPECT_EQ(LOG_MODULE_INIT_Ex(nullptr, &handle), 1);
-  EXPECT_EQ(handle, 77);
-  EXPECT_TRUE(fs::is_empty(folder_));
+  EXPECT_EQ(LOG_MODULE_INIT_New_Ex(nullptr, &written_), 1);
+  EXPECT_EQ(LOG_MODULE_INIT_Ex(nullptr, &written_), 1);
+  EXPECT_EQ(written_, 77);
+  EXPECT_TRUE(fs::is_empty("."));
 }
 
 TEST_F(StartupTest, FileNames) {
-  const std::string dir = folder_.string() + "/", own = dir + "x.so";
-  const std::string under = dir + std::string(247 - dir.size(), 'l') + "/";  // 248 characters
-  const std::string deep = under.substr(0, 247) + "d/", far = "/" + std::string(248, 'l') + "/x.so";
-  const std::string both = std::string(63, 'n') + "." + std::string(62, 'e');
-  const std::string name64 = "n" + both, ext64 = both + "e", init = "LOG_MODULE_INIT_Ex ";
-  const std::string name260 = dir + std::string(260 - dir.size(), 'n');
-  const auto too_long = [](const std::string& name) {
-    return "LOG_MODULE_INIT_Ex file_name(" + name +
-           ") has a base name or extension of more than 63 characters.\n";
-  };
-  std::ofstream(dir + "plain") << "";
-  fs::create_directory(dir + "taken.log");
+  const std::string dir = folder_, own = dir + "x.so", far = "/" + std::string(248, 'l') + "/x.so";
+  const std::string under = std::string(247, 'l') + "/",
+                    both = std::string(63, 'n') + "." + std::string(62, 'e');
+  const std::string deep = dir + std::string(248 - dir.size(), 'd') + "/", init = "LOG_MODULE_INIT_Ex ";
+  const std::string name260 = dir + std::string(260 - dir.size(), 'n'), front = init + "file_name(";
+  const std::string back = ") has a base name or extension of more than 63 characters.\n";
+  MakeFile("plain", 0);
+  fs::create_directory("taken.log");
   // The outcome is the file that is there after 0, and otherwise the message.
   // clang-format off
   const struct { std::string library_file, name; sint32 code; std::string outcome; } cases[] = {
-      {own, "app.log", 0, dir + "app.log"}, {own, "logs/day/app.log", 0, dir + "logs/day/app.log"},
-      {own, "w\\d\\app.log", 0, dir + "w/d/app.log"}, {own, "/" + dir + "x/a.b.c", 0, dir + "x/a.b.c"},
-      {own, "noext", 0, dir + "noext"}, {own, both, 0, dir + both}, {own, dir, 1, init + "file_name is null\n"},
-      {own, dir + ".hidden", 1, init + "file_name is null\n"}, {own, name64, 1, too_long(name64)},
-      {own, ext64, 1, too_long(ext64)}, {own, name260, 1, too_long(name260)},
+      {own, "app.log", 0, "app.log"}, {own, "logs/day/app.log", 0, "logs/day/app.log"},
+      {own, "w\\d\\app.log", 0, "w/d/app.log"}, {own, "/" + dir + "x/a.b.c", 0, "x/a.b.c"},
+      {own, "noext", 0, "noext"}, {own, both, 0, both}, {own, dir, 1, init + "file_name is null\n"},
+      {own, dir + ".hidden", 1, init + "file_name is null\n"}, {own, "n" + both, 1, front + "n" + both + back},
+      {own, both + "e", 1, front + both + "e" + back}, {own, name260, 1, front + name260 + back},
       {own, deep + "a", 4, init + "create path(" + deep + ") failed.\n"},
       {own, "plain/x/a", 4, init + "create path(" + dir + "plain/x/) failed.\n"},
       {own, "taken.log", 5, init + "open file(" + dir + "taken.log) for write failed.\n"},
@@ -60,34 +48,16 @@ TEST_F(StartupTest, FileNames) {
       {under + "x", "1234567.log", 0, under + "1234567.log"}, {under + "x", "12345678.log", 5, ""}};  // 259 and 260
   // clang-format on
   for (const auto& row : cases) {
-    SCOPED_TRACE(row.name);
     fake.library_file = row.library_file;
-    const LogConfigRecEx config = Config("%E", 0, 100, row.name);
-    EXPECT_EQ(LOG_MODULE_INIT_New_Ex(&config, &handle_), row.code);
+    EXPECT_EQ(Start({"%E", 0, 100, row.name}), row.code) << row.name;
+    EXPECT_EQ(written_ == 77, row.code != 0);
     EXPECT_EQ(LOG_INFO(handle_, "x"), row.code == 0 ? 0 : 1);
     EXPECT_EQ(row.code == 0 ? ReadFile(row.outcome) : Errors(), row.code == 0 ? "[INFO]    x" : row.outcome);
-    Close();
-    fs::remove(folder_ / "LogModuleErrMsg.log");
-  }
-}
-
-TEST_F(StartupTest, ExistingFiles) {
-  // clang-format off
-  constexpr struct { std::uintmax_t size; const char* format; bool kept; } kCases[] = {
-      {0, "%N", true}, {99, "%N", true}, {100, "%N", false}, {99, "%N%C", false}, {(1ULL << 32) + 10, "%N", false}};
-  // clang-format on
-  for (const auto& row : kCases) {
-    SCOPED_TRACE(row.size);
-    MakeFile("app.log", row.size);
-    Open(Config(row.format, 0, 100));
-    EXPECT_EQ(Record().file_size, row.kept ? row.size : 0);
-    LOG_INFO(handle_, "x");
-    EXPECT_EQ(Log(), row.kept && row.size != 0 ? std::string(row.size, '\0') + "\r\n  x" : "  x");
   }
 }
 
 TEST_F(StartupTest, PlainRecordScramblesAndUnterminatedFieldsAreReadToTheirWidth) {
-  LogConfigRecEx extended = Config("", 4096);
+  LogConfigRecEx extended = Settings{"", 4096}.Config();
   std::memset(extended.log_format, ' ', sizeof extended.log_format);
   std::memcpy(extended.log_format + 62, "%E", 2);
   LogConfigRec config{};
@@ -97,12 +67,78 @@ TEST_F(StartupTest, PlainRecordScramblesAndUnterminatedFieldsAreReadToTheirWidth
   EXPECT_EQ(Log(), "");
   Close();
   EXPECT_EQ(Unscrambled(Log()), "[INFO]    x");
-  fs::remove(folder_ / "app.log");
+  fs::remove("app.log");
   std::memset(extended.module_name, 'm', sizeof extended.module_name);
-  LOG_INFO(Open(extended), "x");
+  ASSERT_EQ(LOG_MODULE_INIT_New_Ex(&extended, &handle_), 0);
+  LOG_INFO(handle_, "x");
   Close();
   EXPECT_EQ(Log(), "[INFO]  " + std::string(63, 'm') + "  x");
   EXPECT_EQ(Errors().substr(0, 34), "LOG_MODULE_INIT_Ex module_name(mmm");
+}
+
+const std::string kHeader = "[TRACE]    ", kNone = kHeader + "\n\n";
+const std::string kSystem =
+    kHeader + "\nSystem name: unix, Host name: box1, Hardware: unix, Release: unix, Version: unix\n";
+
+TEST_F(StartupTest, Banners) {
+  const std::string cpu = "CPU cpu 5\nCPU: 2 cores", memory = "mem 1\nHard Disk Size: 1536MB. ";
+  // clang-format off
+  const struct { const char *system, *process; std::string text; int cpu_lines = 40, memory_lines = 2;  // -1: no file
+                 unsigned long long blocks = 393216; uint32 level = Log_Level_Trace; sint32 code = 0;
+                 const char *name = "app.log", *host = "box1", *field = "unix"; } cases[] = {
+      {"", "", ""}, {"%N", "%N", ""}, {"%O%N%C", "%P%N", ""}, {"%O%C%M", "%N", kSystem + cpu + "\n" + memory},
+      {"% O", "", kSystem + "\n"}, {"%C", "", kNone + cpu + "\n"}, {"%M", "", kNone + "\n" + memory},
+      {"%o", "", kNone + "\n"}, {"%N", "%p", kHeader + "[]"}, {"%N", "%P", kHeader + "[ 4242 ]"},
+      {"%N", "%T", kHeader + "[ 4243 ]"}, {"%O", "%P%T", kSystem + "\n\r\n" + kHeader + "[ 4242  4243 ]"},
+      // Platforms that give less or more than usual.
+      {"%C%M", "", kNone + "CPU: 0 cores\nmem 1\nHard Disk Size: 1MB. ", 4, 1, 256},
+      {"%C%M", "", kNone + "CPU cpu 5\nCPU: 0 cores\nmem 1\n", 5, 1, 0},
+      {"%C%M", "", kNone + "CPU: 0 cores\n", 0, 0, 0},
+      {"%C%M", "", kNone + "CPU cpu 5\nCPU: 1 cores\nmem 1\nHard Disk Size: 0MB. ", 19, 1, 255},
+      {"%C%M", "", kNone + "\nHard Disk Size: 4398046511104MB. ", -1, -1, 1ULL << 50},
+      {"%C%M", "", kNone + "\n", -1, -1, 0}, {"%O%C%M", "%P%T", "", 40, 2, 393216, Log_Level_Debug},
+      // Failures end the start-up.
+      {"%O", "%P", "", 0, 0, 0, 1, 13, "app.log", "box1", ""}, {"%O", "%P", "", 0, 0, 0, 1, 7, "/dev/full"},
+      {"%O", "%P", "", 0, 0, 0, 9, 13, "app.log", "", "unix"}, {"%N", "%P", "", 0, 0, 0, 1, 7, "/dev/full"},
+      {"%C", "%N", kNone + "CPU: 0 cores\n", 0, 0, 0, 1, 0, "app.log", "", ""}};
+  // clang-format on
+  for (const auto& row : cases) {
+    for (const auto& [name, line, count] :
+         {std::tuple("cpuinfo", "cpu ", row.cpu_lines), {"meminfo", "mem ", row.memory_lines}}) {
+      std::ofstream file(name);
+      for (int number = 1; number <= count; ++number) file << line << number << "\n";
+      if (count < 0) fs::remove(name);
+    }
+    fake.blocks = row.blocks;
+    fake.host = row.host;
+    fake.system_field = row.field;
+    fs::remove("app.log");
+    const Settings settings{
+        .format = "%E%N", .name = row.name, .level = row.level, .system = row.system, .process = row.process};
+    EXPECT_EQ(Start(settings), row.code);
+    EXPECT_EQ(written_ == null_log_handle, row.code != 0);
+    EXPECT_EQ(Log(), row.text) << row.system;
+  }
+}
+
+TEST_F(StartupTest, LongestBanners) {
+  // A line counts as one for every 255 bytes, its end included; of a longer one that much is shown.
+  const std::string longest(254, 'c');
+  const Settings settings{.format = "%E%N%C", .system = "%O%C%M", .process = "%P%T"};
+  std::ofstream("cpuinfo") << "\n\n\n" << longest << "\n" << longest << "c\n";
+  std::ofstream("meminfo") << longest << "m\n";
+  fake.blocks = 1;
+  fake.host = std::string(255, 'h');
+  fake.pid = fake.tid = 2147483647;
+  std::string text = kSystem + "CPU " + longest + "cCPU: 0 cores\n" + longest + "mHard Disk Size: 0MB. \r\n";
+  text.replace(text.find("box1"), 4, fake.host).append(kHeader + "[ 2147483647  2147483647 ]");
+  Open(settings);
+  EXPECT_EQ(Log(), text);
+  fake.system_field = std::string(64, 'u');
+  while (text.find("unix") != std::string::npos) text.replace(text.find("unix"), 4, fake.system_field);
+  text.erase(text.find('h'), 255 - 157);  // the rest takes 866 of the 1023 bytes
+  Open(settings);
+  EXPECT_EQ(Log(), text);
 }
 
 }  // namespace

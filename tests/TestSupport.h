@@ -9,8 +9,9 @@
 #include <ctime>
 #include <filesystem>
 #include <fstream>
-#include <map>
 #include <memory>
+#include <numeric>
+#include <set>
 #include <string>
 #include <utility>
 
@@ -23,17 +24,17 @@ constexpr std::time_t kStart = 1794835454;             // 2026-11-16 13:24:14 UT
 constexpr std::time_t kNoYear = std::time_t{1} << 60;  // in a year that has no number
 
 struct FakeSystem {
-  std::string library_file;                                   // what the loader says the library is
-  std::atomic<std::time_t> coarse_second{0}, fine_second{0};  // what time() and ftime() return
-  unsigned short millisecond = 0;
+  std::string library_file;                                             // what the loader says the library is
+  std::atomic<std::time_t> coarse_second{kStart}, fine_second{kStart};  // what time() and ftime() return
+  unsigned short millisecond = 7;
   std::atomic<int> allocations{0}, failing_allocation{0};  // malloc and realloc; which one fails, from 1
   bool folder_race = false;     // another process makes each folder just before mkdir does
   int good_statuses = 1 << 30;  // calls of fstat until it fails
   int seconds_per_reading = 0;  // by which the clock moves on
   // What the banners ask for. The files of /proc lie beside the library.
-  std::string host, system_field;  // empty: cannot be read; all fields of the system are the same
-  unsigned long long blocks = 0;   // of "/", of 4 KiB; 0: cannot be read
-  int pid = 1, tid = 1;
+  std::string host = "box1", system_field = "unix";  // empty: cannot be read; the latter is every field
+  unsigned long long blocks = 0;                     // of "/", of 4 KiB; 0: cannot be read
+  int pid = 4242, tid = 4243;
   void SetClock(std::time_t second) { coarse_second = fine_second = second; }
 };
 inline FakeSystem fake;  // each test starts with a new one
@@ -48,76 +49,87 @@ inline std::string Unscrambled(std::string bytes) {
   return bytes;
 }
 
-// Each test has its own folder, which is also the library's; the clock stands at 2026-11-16 13:24:14.007 UTC.
+// A log in plain text, of every level, flushed after each record unless told otherwise.
+struct Settings {
+  const char* format = "";
+  uint32 flush = 0, limit = 1U << 30;
+  std::string name = "app.log";  // 260 characters leave no terminator
+  uint32 mode = Log_Mode_Simple, ring = 0, days = 0, level = Log_Level_Trace, encrypt = 0;
+  const char *system = "", *process = "", *module = "";
+  LogConfigRecEx Config() const {
+    // clang-format off
+    LogConfigRecEx config{0, {}, LogMode{mode}, LogLevel{level}, limit, ring, flush, days, {}, {}, {}, {}, encrypt};
+    // clang-format on
+    name.copy(config.log_file_name, sizeof config.log_file_name);
+    vintra::CopyText(config.log_format, format);
+    vintra::CopyText(config.sysconf_format, system);
+    vintra::CopyText(config.PidandTid, process);
+    vintra::CopyText(config.module_name, module);
+    return config;
+  }
+};
+
+// Each test works in a folder of its own, also the library's, at 2026-11-16 13:24:14.007 UTC.
 class LogTest : public testing::Test {
  protected:
   LogTest() {
     std::string name = fs::temp_directory_path() / "vintra_test_XXXXXX";
-    folder_ = mkdtemp(name.data());
+    folder_ = std::string(mkdtemp(name.data())) + "/";
+    fs::current_path(folder_);
     setenv("TZ", "UTC", 1);
     tzset();
     std::destroy_at(&fake);
     std::construct_at(&fake);
-    fake.library_file = folder_ / "libvintra.so";
-    fake.SetClock(kStart);
-    fake.millisecond = 7;
+    fake.library_file = folder_ + "libvintra.so";
   }
   ~LogTest() override {
     Close();
+    fs::current_path("/");
     fs::remove_all(folder_);
   }
 
-  // A log in plain text, of every level, flushed after each record unless told otherwise.
-  static LogConfigRecEx Config(const char* format, uint32 flush_size = 0, uint32 limit = 1U << 30,
-                               const std::string& name = "app.log", LogMode mode = Log_Mode_Simple,
-                               uint32 ring = 0, uint32 days = 0) {
-    LogConfigRecEx config{};
-    name.copy(config.log_file_name, sizeof config.log_file_name);  // 260 characters leave no terminator
-    vintra::CopyText(config.log_format, format);
-    config.log_mode = mode;
-    config.log_level = Log_Level_Trace;
-    config.max_file_size = limit;
-    config.max_backup_index = ring;
-    config.file_flush_size = flush_size;
-    config.log_time_span = days;
-    return config;
-  }
-  bool Exists(const std::string& name) const { return fs::exists(folder_ / name); }
-  LOGHANDLE Open(const LogConfigRecEx& config) {
+  // The result of a start-up. written_ is what it leaves in a variable that held 77.
+  sint32 Start(const Settings& settings) {
+    const LogConfigRecEx config = settings.Config();
     Close();
-    EXPECT_EQ(LOG_MODULE_INIT_New_Ex(&config, &handle_), 0);
+    written_ = 77;
+    const sint32 code = LOG_MODULE_INIT_New_Ex(&config, &written_);
+    if (code == 0) handle_ = written_;
+    return code;
+  }
+  LOGHANDLE Open(const Settings& settings) {
+    EXPECT_EQ(Start(settings), 0);
     return handle_;
   }
   void Close() { LOG_MODULE_DESTORY(&handle_); }
   // A record of exactly size bytes in a log without directives.
   sint32 Write(std::size_t size) const { return LOG_INFO(handle_, "%s", std::string(size - 2, 'x').c_str()); }
   LogHandleRec& Record() const { return *vintra::LiveHandle(handle_); }
-  std::string Log() const { return ReadFile(folder_ / "app.log"); }
-  void MakeFile(const std::string& name, std::uintmax_t size) const {
-    std::ofstream(folder_ / name) << "";
-    fs::resize_file(folder_ / name, size);
+  static std::string Log() { return ReadFile("app.log"); }
+  static void MakeFile(const std::string& name, std::uintmax_t size) {
+    std::ofstream(name) << "";
+    fs::resize_file(name, size);
   }
   // The log files that there are and their sizes: "app000.log:12 app001.log:7 ".
-  std::string Files() const {
-    std::map<std::string, std::uintmax_t> sizes;
-    for (const auto& entry : fs::directory_iterator(folder_))
-      sizes[entry.path().filename()] = fs::file_size(entry);
-    std::string text;
-    for (const auto& [name, size] : sizes) {
-      if (name.starts_with("app")) text += name + ":" + std::to_string(size) + " ";
+  static std::string Files() {
+    std::set<std::string> files;
+    for (const auto& entry : fs::directory_iterator(".")) {
+      const std::string name = entry.path().filename();
+      if (name.starts_with("app")) files.insert(name + ":" + std::to_string(entry.file_size()) + " ");
     }
-    return text;
+    return std::accumulate(files.begin(), files.end(), std::string());
   }
-  // The messages in the error log so far, without stamp and place, each with a line feed.
-  std::string Errors() const {
+  // The messages of the error log, without stamp and place, each with a line feed. Removes the file.
+  static std::string Errors() {
     std::string messages;
-    std::ifstream file(folder_ / "LogModuleErrMsg.log");
+    std::ifstream file("LogModuleErrMsg.log");
     for (std::string line; std::getline(file, line);) messages += line.substr(line.find(") ") + 2) + "\n";
+    fs::remove("LogModuleErrMsg.log");
     return messages;
   }
 
-  fs::path folder_;
-  LOGHANDLE handle_ = null_log_handle;
+  std::string folder_;  // with a '/' behind it
+  LOGHANDLE handle_ = null_log_handle, written_ = null_log_handle;
 };
 
 #endif
