@@ -58,7 +58,11 @@ void UpdateSecondText(SecondText& text, std::time_t second) {
 
 ClockReading ReadClock(SecondText& text) {
   const ClockReading now = ReadClock();
-  if (now.valid) UpdateSecondText(text, now.second);
+  if (now.valid) {
+    UpdateSecondText(text, now.second);
+  } else {
+    text = {};
+  }
   return now;
 }
 

@@ -61,7 +61,7 @@ struct SecondText {
 // by a second when the clock is, as for a leap second.
 void UpdateSecondText(SecondText& text, std::time_t second);
 
-// Reads the clock and makes text that of its second, where it has one.
+// Reads the clock and makes text that of its second, or empty when the clock cannot be read.
 ClockReading ReadClock(SecondText& text);
 
 }  // namespace vintra

@@ -245,9 +245,9 @@ sint32 SetDateLogFileName(const LogConfigRecEx* a_log_config, LogHandleRec* log_
   log_handle->log_time_span = a_log_config->log_time_span;
   log_handle->max_backup_index = a_log_config->max_backup_index;
   vintra::RemoveExpiredFiles(*log_handle);
-  const vintra::ClockReading now = vintra::ReadClock(log_handle->second_text);
+  log_handle->now = vintra::ReadClock(log_handle->second_text);
   log_handle->cur_date_ID = log_handle->second_text.day;
-  if (!now.valid || log_handle->cur_date_ID == 0) return vintra::kClockUnreadable;
+  if (log_handle->cur_date_ID == 0) return vintra::kClockUnreadable;
   if (OpenFirstWithRoom(*log_handle, vintra::DateName, file_name, log_file_name)) return vintra::kSuccess;
   if (log_handle->file_out == nullptr) return ReportNotOpened(log_file_name);
   REPORT_ERROR("Bad file handle %d", vintra::StreamNumber(log_handle->file_out));

@@ -272,7 +272,7 @@ sint32 RollbackMode(LogHandleRec* log_handle, sint8* file_name, sint8* log_file_
 
 sint32 DateMode(LogHandleRec* log_handle, sint8* file_name, sint8* log_file_name) {
   const uint32 day = log_handle->second_text.day;
-  if (!log_handle->now.valid || day == 0) return vintra::kClockUnreadable;
+  if (day == 0) return vintra::kClockUnreadable;
   const bool same_day = day == log_handle->cur_date_ID;
   if (same_day && log_handle->file_size <= log_handle->max_file_size) return vintra::kSuccess;
   const vintra::CancellationPause pause;

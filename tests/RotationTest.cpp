@@ -56,13 +56,14 @@ TEST_F(RotationTest, DateModeFollowsTheDayOfTheStampAndRemovesFilesAtEveryRoll) 
   constexpr std::time_t kMidnight = 1794866400;  // between 2026-11-16 and -17, two hours before that of UTC
   const std::string old = "app_20261114_000.log", both = "app_20261116_001.log:30 app_20261117_000.log:";
   const std::string later = "app_20261116_000.log:126 " + both;
+  const std::string full = "app_20261116_000.log:126 app_20261117_000.log:500 ";  // due for a roll
   // A file of the 14th is removed by a roll, but not by a record alone.
   // clang-format off
   const struct { std::time_t clock; const char* text; std::string files;
                  sint32 code = 0; bool old = false; } steps[] = {
-      {kMidnight - 1, "late", later + "500 ", 0, true}, {kMidnight, "early", later + "31 "},
-      {std::time_t{1} << 43, "x", later + "31 ", 12}, {-(std::time_t{1} << 43), "x", later + "31 ", 12},
-      {kNoYear, "x", later + "31 ", 12}, {-1, "x", later + "31 ", 12},
+      {-1, "x", full, 12}, {kNoYear, "x", full, 12}, {std::time_t{1} << 43, "x", full, 12},
+      {-(std::time_t{1} << 43), "x", full, 12}, {kMidnight - 1, "late", later + "500 ", 0, true},
+      {kMidnight, "early", later + "31 "},
       {kMidnight, "again", old + ":5 " + later + "64 ", 0, true},
       {kMidnight - 60, "back", "app_20261116_000.log:30 " + both + "64 "}};  // set back: another day again
   // clang-format on
@@ -114,9 +115,10 @@ TEST_F(RotationTest, NumberedFilesThatCannotBeUsed) {
 }
 
 TEST_F(RotationTest, RemovesFilesOfTheirAge) {
-  setenv("TZ", "CET-1CEST,M3.5.0,M10.5.0/3", 1);
   // clang-format off
-  constexpr struct { const char* now; uint32 days; const char *removed, *kept; } kCases[] = {
+  constexpr struct {
+    const char* now; uint32 days; const char *removed, *kept, *zone = "CET-1CEST,M3.5.0,M10.5.0/3";
+  } kCases[] = {
       {"2026-11-16 13:24:14", 3, "20261113", "20261114"}, {"2026-11-16 00:00:00", 1, "20261115", "20261116"},
       {"2026-11-16 23:59:59", 7, "20261109", "20261110"}, {"2027-01-01 00:00:00", 1, "20261231", "20270101"},
       {"2028-03-01 12:00:00", 1, "20280229", "20280301"}, {"2027-03-01 12:00:00", 1, "20270228", "20270301"},
@@ -125,9 +127,12 @@ TEST_F(RotationTest, RemovesFilesOfTheirAge) {
       {"2026-03-29 23:59:59", 1, "20260328", "20260329"}, {"2026-03-30 00:30:00", 1, "20260328", "20260329"},
       {"2026-03-30 01:00:00", 1, "20260329", "20260330"}, {"2026-10-25 23:59:59", 1, "20261024", "20261025"},
       {"2026-10-26 00:00:00", 1, "20261025", "20261026"}, {"2026-11-16 13:24:14", 4294967295, "", "00000000"},
-      {"2026-11-16 13:24:14", 365, "00000000", "20261117"}, {"2026-11-16 13:24:14", 0, "", "20000101"}};
+      {"2026-11-16 13:24:14", 365, "00000000", "20261117"}, {"2026-11-16 13:24:14", 0, "", "20000101"},
+      // A zone whose winter time is the exception.
+      {"2026-12-10 23:59:59", 1, "20261209", "20261210", "IST-1GMT0,M10.5.0,M3.5.0/1"}};
   // clang-format on
   for (const auto& row : kCases) {
+    setenv("TZ", row.zone, 1);
     std::tm local{};
     local.tm_isdst = -1;
     strptime(row.now, "%Y-%m-%d %H:%M:%S", &local);
@@ -136,7 +141,8 @@ TEST_F(RotationTest, RemovesFilesOfTheirAge) {
     for (const char* day : {row.removed, row.kept}) MakeFile(name(day), 5);
     Open({"", 0, 100, "app.log", Log_Mode_Date, 0, row.days});
     EXPECT_EQ(fs::exists(name(row.removed)), *row.removed == '\0') << row.now << " " << row.days;
-    EXPECT_TRUE(fs::remove(name(row.kept))) << row.now << " " << row.days;
+    EXPECT_EQ(ReadFile(name(row.kept)).size(), 5U) << row.now << " " << row.days;
+    fs::remove(name(row.kept));
   }
 }
 
@@ -155,8 +161,14 @@ TEST_F(RotationTest, RemovesFilesOfTheirName) {
   // clang-format on
   for (const auto& row : kCases) {
     MakeFile(row.entry, 5);
-    Open({"", 0, 100, row.log, Log_Mode_Date, 0, 7});
+    for (const int age : {30, 0}) {
+      fake.SetClock(kStart - std::time_t{86400} * age);
+      Open({"", 0, 100, row.log, Log_Mode_Date, 0, 7});
+    }
     EXPECT_EQ(fs::remove(row.entry), !row.removed) << row.log << " " << row.entry;
+    int left = 0;
+    for (const auto& entry : fs::directory_iterator(".")) left += static_cast<int>(fs::remove(entry));
+    EXPECT_EQ(left, 1) << "the file of today, and not the one that the log made before";
   }
 }
 
@@ -198,6 +210,10 @@ TEST_F(RotationTest, FlushesWhenTheThresholdIsReached) {
     for (int call = 0; call < 2; ++call) EXPECT_EQ(LOG_MSG_FLUSH(handle_), 0);
     EXPECT_EQ(SizeOnDisk(), Record().file_size);
   }
+  char text[] = "123456789";
+  Record().file_size = UINT32_MAX - 5;
+  EXPECT_EQ(logMsgWriteFile(&Record(), Record().file_out, "", text), 0);
+  EXPECT_EQ(Record().file_size, UINT32_MAX) << "full, and not empty again";
 }
 
 TEST_F(RotationTest, FirstRecordAfterARolloverIsFlushed) {
