@@ -28,21 +28,18 @@ void ComposeErrLogPath(sint8 (&path)[kErrLogPathSize]) {
 }
 
 // The whole line, or null when there is no memory for it. A message that cannot be formatted reads as empty.
-HeapText ComposeLine(const vintra::ClockReading& now, const sint8* file_name, uint32 line,
-                     const sint8* format, va_list args) __attribute__((format(printf, 4, 0)));
+HeapText ComposeLine(std::string_view stamp, uint32 millisecond, const sint8* file_name, uint32 line,
+                     const sint8* format, va_list args) __attribute__((format(printf, 5, 0)));
 
-HeapText ComposeLine(const vintra::ClockReading& now, const sint8* file_name, uint32 line,
+HeapText ComposeLine(std::string_view stamp, uint32 millisecond, const sint8* file_name, uint32 line,
                      const sint8* format, va_list args) {
   sint8* message = nullptr;
   const HeapText message_owner(vasprintf(&message, format, args) < 0 ? nullptr : message);
-  vintra::SecondText second{};
-  vintra::UpdateSecondText(second, now.second);
-  const std::string_view stamp = second.View(true, true);
   const vintra::PathParts source = vintra::SplitPathParts(file_name == nullptr ? "" : file_name);
 
   sint8* text = nullptr;
   const int length = asprintf(&text, "%.*s.%03u  Errlog:%.*s%.*s(%d) %s\n", static_cast<int>(stamp.size()),
-                              stamp.data(), now.millisecond, static_cast<int>(source.name.size()),
+                              stamp.data(), millisecond, static_cast<int>(source.name.size()),
                               source.name.data(), static_cast<int>(source.ext.size()), source.ext.data(),
                               static_cast<int>(line), message_owner ? message_owner.get() : "");
   return HeapText(length < 0 ? nullptr : text);
@@ -52,7 +49,8 @@ HeapText ComposeLine(const vintra::ClockReading& now, const sint8* file_name, ui
 
 sint32 PrintErrLog(const sint8* file_name, uint32 line, const sint8* format, ...) {
   const vintra::CancellationPause pause;
-  const vintra::ClockReading now = vintra::ReadClock();
+  vintra::SecondText second{};
+  const vintra::ClockReading now = vintra::ReadClock(second);
   sint8 path[kErrLogPathSize];
   ComposeErrLogPath(path);
   const vintra::FileDescriptor file(open(path, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666));
@@ -61,7 +59,7 @@ sint32 PrintErrLog(const sint8* file_name, uint32 line, const sint8* format, ...
 
   va_list args;
   va_start(args, format);
-  const HeapText text = ComposeLine(now, file_name, line, format, args);
+  const HeapText text = ComposeLine(second.View(true, true), now.millisecond, file_name, line, format, args);
   va_end(args);
   if (!text) return 0;
 

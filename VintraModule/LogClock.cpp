@@ -15,6 +15,21 @@ ZoneMark CurrentZone() {
           __atomic_load_n(&::tzname[0], __ATOMIC_RELAXED), __atomic_load_n(&::tzname[1], __ATOMIC_RELAXED)};
 }
 
+void UpdateSecondText(SecondText& text, std::time_t second) {
+  if (text.valid && second == text.second - 1) second = text.second;
+  if (text.valid && second == text.second && CurrentZone() == text.zone) return;
+
+  std::tm local{};
+  const bool converted = ConvertToLocal(second, local);
+  text.day = converted ? DayNumber(local) : 0;
+  text.date_length = converted ? std::strftime(text.text, kConversionSize, "%Y-%m-%d ", &local) : 0;
+  sint8* const time_text = text.text + text.date_length;
+  text.time_length = converted ? std::strftime(time_text, kConversionSize, "%H:%M:%S", &local) : 0;
+  text.second = second;
+  text.zone = CurrentZone();
+  text.valid = true;
+}
+
 }  // namespace
 
 ClockReading ReadClock() {
@@ -39,21 +54,6 @@ uint32 DayNumber(const std::tm& local) {
   const std::int64_t year = std::int64_t{local.tm_year} + 1900;
   const std::int64_t number = (year * 100 + local.tm_mon + 1) * 100 + local.tm_mday;
   return year >= 0 && number <= INT32_MAX ? static_cast<uint32>(number) : 0;
-}
-
-void UpdateSecondText(SecondText& text, std::time_t second) {
-  if (text.valid && second == text.second - 1) second = text.second;
-  if (text.valid && second == text.second && CurrentZone() == text.zone) return;
-
-  std::tm local{};
-  const bool converted = ConvertToLocal(second, local);
-  text.day = converted ? DayNumber(local) : 0;
-  text.date_length = converted ? std::strftime(text.text, kConversionSize, "%Y-%m-%d ", &local) : 0;
-  sint8* const time_text = text.text + text.date_length;
-  text.time_length = converted ? std::strftime(time_text, kConversionSize, "%H:%M:%S", &local) : 0;
-  text.second = second;
-  text.zone = CurrentZone();
-  text.valid = true;
 }
 
 ClockReading ReadClock(SecondText& text) {

@@ -56,12 +56,10 @@ struct SecondText {
   }
 };
 
-// Makes text that of `second`, converting only for another second or after a change of the time zone. The
-// second just before the last one counts as the last one, which then lasts for two: stamps do not step back
-// by a second when the clock is, as for a leap second.
-void UpdateSecondText(SecondText& text, std::time_t second);
-
-// Reads the clock and makes text that of its second, or empty when the clock cannot be read.
+// Reads the clock and makes text that of its second, converting only for another second or after a change of
+// the time zone; text is empty when the clock cannot be read. The second just before the last one counts as
+// the last one, which then lasts for two: stamps do not step back by a second when the clock is, as for a
+// leap second.
 ClockReading ReadClock(SecondText& text);
 
 }  // namespace vintra

@@ -235,8 +235,8 @@ VINTRA_API void LOG_MODULE_DESTORY(LOGHANDLE* a_log_handle);
 /*
  * Scrambles the file oldFile into newFile, byte by byte with XOR 0x3C: a scrambled log becomes readable, and
  * any file scrambled. newFile is created, or emptied and overwritten. Both are paths as open takes them,
- * relative to the working directory. Needs no handle; a log that is being written is converted as far as it
- * was flushed.
+ * relative to the working directory. Needs no handle and keeps no state, so any thread may call it at any
+ * time; a log that is being written is converted as far as it was flushed.
  *
  * Returns
  *   0  done, unless writing failed, as on a full disk: that ends the call with 0 too and only sets errno,

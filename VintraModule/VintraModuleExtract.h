@@ -23,11 +23,9 @@ sint32 LogModuleInitExtract(const LogConfigRecEx* a_log_config, LOGHANDLE* a_log
 sint32 SetLogFilesize(const LogConfigRecEx* a_log_config, LogHandleRec* log_handle, sint8* file_name,
                       sint8* log_file_name);
 
-// The start placements of the modes: open the current file and set the mode's own fields. log_file_name (260
-// bytes) receives the full path; file_name is scratch of 256 bytes.
-//
-// The simple mode has one file. The rollback mode goes on with the first file of the ring that is not full,
-// the date mode with the first such file of the day, after removing expired ones.
+// The start placements of the modes. The simple mode has one file. The rollback mode goes on with the first
+// file of the ring that is not full, the date mode with the first such file of the day, after removing
+// expired ones.
 sint32 SetVintraFileName(LogHandleRec* log_handle, sint8* log_file_name);
 sint32 SetRollbackLogFileName(const LogConfigRecEx* a_log_config, LogHandleRec* log_handle, sint8* file_name,
                               sint8* log_file_name);
