@@ -16,6 +16,9 @@ void* __real_realloc(void* block, std::size_t size);
 int __real_mkdir(const char* path, mode_t mode);
 int __real_fstat64(int descriptor, struct stat64* status);
 std::FILE* __real_fopen64(const char* path, const char* mode);
+int __real_fsync(int descriptor);
+int __real_fclose(std::FILE* stream);
+int __real_rename(const char* from, const char* to);
 
 static bool FailsNow() {
   errno = ENXIO;  // which a successful call may do as well
@@ -44,6 +47,24 @@ int __wrap_fstat64(int descriptor, struct stat64* status) {
 std::FILE* __wrap_fopen64(const char* path, const char* mode) {
   const fs::path beside = fs::path(fake.library_file).replace_filename(fs::path(path).filename());
   return __real_fopen64(std::string(path).starts_with("/proc/") ? beside.c_str() : path, mode);
+}
+// Calls of a kind are told apart by their number: "fsync2".
+static bool NotedAndFails(const std::string& name) {
+  std::string word = name;
+  for (int number = 2; fake.calls.find(word + " ") != std::string::npos; ++number) {
+    word = name + std::to_string(number);
+  }
+  fake.calls += word + " ";
+  errno = EIO;
+  return word == fake.failing_call;
+}
+int __wrap_fsync(int descriptor) { return NotedAndFails("fsync") ? -1 : __real_fsync(descriptor); }
+int __wrap_fclose(std::FILE* stream) {
+  const int result = __real_fclose(stream);
+  return NotedAndFails("fclose") ? EOF : result;
+}
+int __wrap_rename(const char* from, const char* to) {
+  return NotedAndFails("rename") ? -1 : __real_rename(from, to);
 }
 int __wrap_gethostname(char* name, std::size_t size) {
   std::string(fake.host).append(1, '\0').copy(name, size);

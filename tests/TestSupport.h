@@ -35,6 +35,8 @@ struct FakeSystem {
   std::string host = "box1", system_field = "unix";  // empty: cannot be read; the latter is every field
   unsigned long long blocks = 0;                     // of "/", of 4 KiB; 0: cannot be read
   int pid = 4242, tid = 4243;
+  // What brings files to the disk and gives them their names, one word a call, and which of them fails.
+  std::string calls, failing_call;
   void SetClock(std::time_t second) { coarse_second = fine_second = second; }
 };
 inline FakeSystem fake;  // each test starts with a new one
@@ -42,6 +44,17 @@ inline FakeSystem fake;  // each test starts with a new one
 inline std::string ReadFile(const fs::path& path) {
   std::ifstream file(path, std::ios::binary);
   return {std::istreambuf_iterator<char>(file), {}};
+}
+
+inline void WriteFile(const fs::path& path, std::string_view bytes) {
+  std::ofstream(path, std::ios::binary) << bytes;
+}
+
+// Text times over, for what is long.
+inline std::string Repeat(std::string_view text, std::size_t times) {
+  std::string result;
+  while (times-- > 0) result += text;
+  return result;
 }
 
 inline std::string Unscrambled(std::string bytes) {

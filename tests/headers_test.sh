@@ -7,6 +7,7 @@ source_dir=$1
 shift
 log='#include <VintraModule/VintraModule.h>'
 folder='#include <FolderModule/FolderModule.h>'
+ini='#include <ConfigFileINI/ConfigFileINI.h>'
 syslog='#include <syslog.h>'
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
@@ -24,12 +25,17 @@ plain='int plain(LOGHANDLE h); int plain(LOGHANDLE h) { return (int)LOG_INFO(h, 
 sizes='typedef char plain_record[sizeof(LogConfigRec) == 348 ? 1 : -1];
 typedef char extended_record[sizeof(LogConfigRecEx) == 548 ? 1 : -1];'
 paths='void split(const char* p); void split(const char* p) { SplitPath(p, 0, 0, 0, 0); }'
+signs='uint32 sign(void); uint32 sign(void) { NoteLineSign = 59; return SetConfigINISign(0, 0, 0, 0, 0); }'
 i=0
 for text in "$log
 $sizes
 $use
 $plain" "$folder
-$paths" "$log
+$paths" "$ini
+$signs" "$ini
+$log
+$ini
+$signs" "$log
 $log
 $use" "$folder
 $folder

@@ -1,0 +1,311 @@
+// INI files: the syntax, lookups, rewriting, listings.
+#include <fcntl.h>
+#include <sys/resource.h>
+
+#include <csignal>
+
+#include "ConfigFileINI/ConfigFileINIInter.h"
+#include "ConfigFileINI/IniReader.h"
+#include "TestSupport.h"
+
+namespace {
+
+using namespace std::string_literals;
+
+// Works on one file, "x.ini". The signs are the default ones again after each test.
+class IniTest : public LogTest {
+ protected:
+  ~IniTest() override { SetConfigINISign(0, 0, 0, 0, 0); }
+
+  static std::string Content() { return ReadFile("x.ini"); }
+  static void Content(const std::string& bytes) { WriteFile("x.ini", bytes); }
+
+  // "value section_line:key_line:key_lines", or the code instead of the value.
+  static std::string Lookup(const std::string& section, const std::string& key) {
+    INIFileRec cursor = null_ini_file;
+    cursor.file_name = "x.ini";
+    sint8 value[vintra::kLineSize] = "untouched";
+    const sint32 code = GetConfigFileKey(&cursor, section.c_str(), key.c_str(), value);
+    EXPECT_TRUE(code == 0 || value == "untouched"s);
+    const auto number = [](sint32 line) { return std::to_string(line); };
+    return (code == 0 ? value : number(code)) + " " + number(cursor.Ini_section_line_no) + ":" +
+           number(cursor.Ini_key_line_no) + ":" + number(cursor.Ini_key_lines);
+  }
+  static sint32 Set(const char* file, const std::string& key, const std::string& value,
+                    const char* section = "a") {
+    INIFileRec cursor = null_ini_file;
+    cursor.file_name = file;
+    return SetConfigFileKey(&cursor, section, key.c_str(), value.c_str());
+  }
+  static std::string Get(const std::string& section, const std::string& key) {
+    sint8 value[vintra::kLineSize];
+    GetConfigFileString(section.c_str(), key.c_str(), "(none)", value, sizeof value, "x.ini");
+    return value;
+  }
+  // A list of the names in "x.ini", of its sections or of a section's keys, with its NULs as '|'.
+  static std::string List(sint32 size, const char* section = nullptr) {
+    std::string list(30, '~');
+    const sint32 used = section == nullptr ? GetConfigFileSections(list.data(), size, "x.ini")
+                                           : GetConfigFileKeys(section, list.data(), size, "x.ini");
+    std::replace(list.begin(), list.end(), '\0', '|');
+    return std::to_string(used) + " " + list.substr(0, list.find('~'));
+  }
+};
+
+TEST_F(IniTest, Lines) {
+  const std::string full(4096, 'x');
+  // clang-format off
+  const std::pair<std::string, std::string> files[] = {  // bytes, lines with their lengths
+      {"", ""}, {"a", "1a "}, {"a\n\nb\n", "1a 0 1b "}, {"a\r\nb", "1a 0 1b "}, {"a\0b\r"s, "1a 1b "},
+      {"a\fb\x1a\n", "2a\f 2b\x1a 0 "}, {full.substr(1) + "\nb", "4095" + full.substr(1) + " 1b "},
+      {full + "\nb", "4096" + full + " 0 1b "}, {full + "y\n", "4096" + full + " 1y "}};
+  // clang-format on
+  for (const auto& [bytes, lines] : files) {
+    Content(bytes);
+    const vintra::FilePtr file(std::fopen("x.ini", "r"));
+    std::string seen;
+    sint8 line[vintra::kLineSize] = "z";
+    EXPECT_EQ(FileGetLine(file.get(), line, -1), 0);
+    EXPECT_STREQ(line, "");
+    sint32 length = 0;
+    while ((length = FileGetLine(file.get(), line, 4096)) >= 0) seen += std::to_string(length) + line + " ";
+    EXPECT_EQ(length, vintra::kEndOfFile);
+    EXPECT_EQ(seen, lines);
+  }
+  const vintra::FilePtr folder(std::fopen(".", "r"));
+  sint8 line[8];
+  EXPECT_EQ(FileGetLine(folder.get(), line, 7), vintra::kReadError);
+}
+
+TEST_F(IniTest, TextsAreTrimmedAndSplitInPlace) {
+  // clang-format off
+  const std::pair<const char*, const char*> kTrims[] = {
+      {"", ""}, {" \t", ""}, {" a b\t", "a b"}, {"\fa\r ", "\fa\r"}, {"\xA0 a", "\xA0 a"}};
+  const std::pair<const char*, const char*> kSplits[] = {  // line, code or key|value
+      {"key  =  value", "key|value"}, {"key=a=b", "key|a=b"}, {"key=", "key|"}, {"=value", "-4"}, {"key", "-5"}, {"", "-1"}};
+  // clang-format on
+  sint8 text[16];
+  for (const auto& [before, after] : kTrims) {
+    vintra::CopyText(text, before);
+    EXPECT_STREQ(string_trim_right(string_trim_left(text)), after);
+  }
+  EXPECT_EQ(string_trim_right(string_trim_left(nullptr)), nullptr);
+  for (const auto& [line, expected] : kSplits) {
+    sint8 *key = nullptr, *value = nullptr;
+    vintra::CopyText(text, line);
+    const sint32 code = SplitKeyValue(text, &key, &value);
+    EXPECT_EQ(code == 0 ? key + "|"s + value : std::to_string(code), expected);
+    EXPECT_TRUE(code == 0 || std::string(text) == line);
+  }
+}
+
+TEST_F(IniTest, Lookups) {
+  const std::string most(4092, 'x'), full = "k=" + most + "+\n";  // 4094 characters without the sign
+  // clang-format off
+  const struct { std::string file, section, key, expected; } cases[] = {
+      {"[a]\nx=1\n[b]\ny=2\n", "b", "y", "2 3:4:1"}, {"[a]\nx=1\n[b]\ny=2\n", "a", "y", "-2 1:3:1"},
+      {"[a]\nx=1\n[b]\ny=2\n", "c", "y", "-1 0:0:0"}, {"[a]", "a", "y", "-2 1:0:0"}, {"[a]\ny=", "a", "y", " 1:2:1"},
+      {"  y=0\n\t[a] \n # y=1\n#y=2\n Y=3\n\ty  = 4 # 5 \n", "a", "y", "4 # 5 2:6:1"}, {"[a]\n[b]\ny=1", "a", "y", "-2 1:2:1"},
+      {"[a]\nk=abc+\n  def+\nghi \nz=1\n", "a", "k", "abcdefghi  1:2:3"}, {"[a]\nk=a +\n#b", "a", "k", "a #b 1:2:2"},
+      {"[a]\nk=a+\n[b]\nz=1", "a", "z", "1 1:4:1"}, {"[a]\nk=a+\n \nb=c", "a", "k", "a 1:2:2"}, {"[a]\nk=a+", "a", "k", "a 1:2:1"},
+      {"[a]\nk+\n=v", "a", "k", "v 1:2:2"}, {"[a]\nk=a+\r\nb=c\r\n", "a", "b", "c 1:4:1"}, {"[a]\nk=a+\nb+ \nc=1", "a", "k", "ab+  1:2:2"},
+      {"[a]\njunk\nk=1", "a", "k", "-14 1:2:1"}, {"[a]\n=1\nk=1", "a", "k", "-14 1:2:1"}, {"[a]\nk=1\njunk", "a", "k", "1 1:2:1"},
+      {"[a]\n+\n\nk=1", "a", "k", "-14 1:2:2"}, {"[a]\nk+\n[b]=1", "a", "k[b]", "1 1:2:2"},
+      {"[oops\n[a]\nk=1", "a", "k", "-14 0:0:0"}, {"[a]\f\n[a]\nk=1", "a", "k", "-14 0:0:0"}, {"[\n[]\n[x\n[a]\nk=1", "a", "k", "1 4:5:1"},
+      {"[a]\n[oops\nk=1", "a", "k", "-2 1:2:1"}, {"[a]\nk=1\n[a]\nk=2", "a", "k", "1 1:2:1"}, {"[ a ]\nk=1", "a", "k", "-1 0:0:0"},
+      {"[ a ]\nk=1", " a ", "k", "1 1:2:1"}, {"[A]\nk=1", "a", "k", "-1 0:0:0"}, {"[a\0b]"s, "a", "k", "-1 0:0:0"},
+      {"[a]\n" + full + "yz", "a", "k", most + "yz 1:2:2"}, {"[a]\n" + full + "xyz", "a", "k", "-22 1:2:2"}};
+  // clang-format on
+  for (const auto& [file, section, key, expected] : cases) {
+    Content(file);
+    EXPECT_EQ(Lookup(section, key), expected) << file;
+  }
+  fs::remove("x.ini");
+  EXPECT_EQ(Lookup("a", "k"), "-10 0:0:0");
+  fs::create_directory("x.ini");
+  EXPECT_EQ(Lookup("a", "k"), "-12 0:0:0");
+  EXPECT_EQ(GetConfigFileKey(nullptr, "a", "k", folder_.data()), vintra::kNullArgument);
+}
+
+TEST_F(IniTest, SignsAreReplaced) {
+  Content("<net>\nport: 80\n;x\nl:1&\n2\n[a]\nport=1");
+  SetConfigINISign('<', '>', ':', ';', '&');
+  EXPECT_EQ(Lookup("net", "port") + Lookup("net", "l"), "80 1:2:112 1:4:2");
+  EXPECT_EQ(List(30), "4 net||");
+  EXPECT_EQ(WriteConfigFileString("s", "k[", "v", "x.ini"), 1);
+  EXPECT_EQ(WriteConfigFileString("s", "k:", "v", "x.ini"), 0);
+  EXPECT_TRUE(Content().ends_with("1\n<s>\nk[:v\n"));
+  NoteLineSign = 'p';  // as a host may do
+  EXPECT_EQ(Lookup("net", "port"), "-14 1:3:1");
+  sint8 left = 0, right = 0, split = 0, note = 0, connect = 0;
+  GetConfigINISign(&left, &right, &split, &note, &connect);
+  EXPECT_EQ((std::string{left, right, split, note, connect}), "<>:p&");
+  EXPECT_EQ(SetConfigINISign(0, 0, 0, 0, 0) + GetConfigINISign(nullptr, nullptr, nullptr, nullptr, nullptr),
+            0);
+  EXPECT_EQ(Get("a", "port"), "1");
+}
+
+TEST_F(IniTest, ValuesAndDefaults) {
+  Content("[a]\nk=abcdef\ne=\n");
+  // clang-format off
+  const struct { const char *section, *key, *fallback; std::size_t size; const char* text; std::size_t length; } texts[] = {
+      {"a", "k", "none", 4, "abc", 3}, {"a", "k", "none", 6, "abcde", 5}, {"a", "k", "none", 7, "abcdef", 6}, {"a", "e", "none", 9, "", 0},
+      {"a", "x", "none", 3, "no", 2}, {"a", "x", nullptr, 9, "", 0}, {"a", "x", "", 9, "", 0}, {"a", "k", "none", 1, "", 0},
+      {"a", "k", "none", 0, "before", 0}, {"", "k", "none", 9, "before", 0}, {"a", "", "none", 9, "before", 0},
+      {nullptr, "k", "none", 9, "before", 0}, {"a", nullptr, "none", 9, "before", 0}};
+  const std::pair<const char*, uint32> numbers[] = {
+      {"42", 42}, {"42abc", 42}, {"abc", 0}, {"-5", 7}, {"+7", 7}, {"2147483647", 2147483647}, {"2147483648", 7}, {"4294967296", 0},
+      {"", 7}, {"10M", 10}, {"0x10", 0}, {"99999999999999999999", 7}};
+  // clang-format on
+  for (const auto& [section, key, fallback, size, text, length] : texts) {
+    sint8 buffer[16] = "before";
+    EXPECT_EQ(GetConfigFileString(section, key, fallback, buffer, static_cast<uint32>(size), "x.ini"),
+              length);
+    EXPECT_STREQ(buffer, text);
+  }
+  sint8 own[] = "default";
+  EXPECT_EQ(GetConfigFileString("a", "x", own + 2, own, sizeof own, "x.ini"), 5);
+  EXPECT_STREQ(own, "fault");
+  EXPECT_EQ(
+      GetConfigFileString("a", "k", "", own, 8, nullptr) + GetConfigFileString("a", "k", "", own, 8, ""), 0);
+  EXPECT_EQ(GetConfigFileString("a", "k", "", nullptr, 8, "x.ini"), 0);
+  for (const auto& [text, number] : numbers) {
+    Content("[a]\nk="s + text);
+    EXPECT_EQ(GetConfigFileInt("a", "k", 7, "x.ini"), number) << text;
+  }
+  EXPECT_EQ(GetConfigFileInt("a", "", 7, "x.ini") + GetConfigFileInt("a", "k", 7, "y.ini"), 14);
+}
+
+TEST_F(IniTest, Lists) {
+  // clang-format off
+  const struct { const char *file, *section; sint32 size; const char* list; } cases[] = {  // null: the sections
+      {"[a]\nx=1\n[bb]", nullptr, 7, "5 a|bb||"}, {"[a]\nx=1\n[bb]", nullptr, 6, "2 a||"}, {"[a]\nx=1\n[bb]", nullptr, 4, "2 a||"},
+      {"[a]", nullptr, 3, "0 "}, {"[a]\n[]\n[b]", nullptr, 30, "5 a||b||"}, {"[a]\n[broken\n[b]", nullptr, 30, "2 a||"}, {"[", nullptr, 3, "1 ||"},
+      {"[a]\nk=+\n[x]\n#[y]\n[a]", nullptr, 30, "6 a|x|a||"}, {"x=1", nullptr, 30, "0 "}, {"[a]", nullptr, 0, "0 "},
+      {"[a]\nx=1\n# c\ny =2+\n3\n[b]\nz=1", "a", 30, "4 x|y||"}, {"[a]\nx=1\njunk\ny=2", "a", 30, "2 x||"}, {"[a]\nx=\nx=", "a", 30, "4 x|x||"},
+      {"[a]\nx=1\nyy=2", "a", 6, "2 x||"}, {"[a]\nx=1\nyy=2", "a", 7, "5 x|yy||"}, {"[a]\nx=1", "b", 30, "0 "}, {"[cc\n[a]\nx=1", "a", 30, "0 "},
+      {"[a]\n[b]\nx=1", "a", 30, "0 "}, {"[a]\nx=1", "", 30, "0 "}, {"[a]\nx=1", "a", 0, "0 "}};
+  // clang-format on
+  for (const auto& [file, section, size, list] : cases) {
+    Content(file);
+    EXPECT_EQ(List(size, section), list) << file;
+  }
+  fs::remove("x.ini");
+  EXPECT_EQ(List(30) + List(30, "a"), "0 0 ");
+  EXPECT_EQ(GetConfigFileSections(nullptr, 9, "x.ini") + GetConfigFileKeys("a", nullptr, 9, "x.ini"), 0);
+  EXPECT_EQ(
+      GetConfigFileKeys(nullptr, folder_.data(), 9, "x.ini") + GetConfigFileKeys("a", folder_.data(), 9, ""),
+      0);
+}
+
+TEST_F(IniTest, Rewriting) {
+  const std::string full(4096, 'x'), comment = "#" + full.substr(1), blanks(4093, ' ');
+  // clang-format off
+  const struct { std::string before, key, value, after; } cases[] = {  // in the section "a"; no after: refused
+      {"[a]\nk=abc+\ndef\nz=1\n", "k", "v", "[a]\nk=v\nz=1\n"}, {"[a]\nx=1\n", "new", "7", "[a]\nnew=7\nx=1\n"},
+      {"[a]\nk=1\n[a]\nk=2\n", "m", "5", "[a]\nm=5\nk=1\n[a]\nk=2\n"}, {"[b]\n k = 1\n [a] \n\tk =\t1", "k", "2", "[b]\n k = 1\n [a] \nk=2\n"},
+      {"[a]", "k", "v", "[a]\nk=v\n"}, {"[a]\r\nx=1\r\nk=1\r\n", "k", "2", "[a]\n\nx=1\n\nk=2\n\n"}, {"[a]\nx\0y=\f"s, "x", "1", ""},
+      {"[a]\nx=1\fy=\0z=\x1A"s, "y", "2", "[a]\nx=1\f\ny=2\nz=\x1A\n"}, {"[a]\nk=1+", "k", "2", "[a]\nk=2\n"}, {"[a]\nk=1+\n\n\nx=1", "k", "2", "[a]\nk=2\n\nx=1\n"},
+      {"", "k", "v", "\n[a]\nk=v\n"}, {"[b]\nk=1", "k", "v", "[b]\nk=1\n[a]\nk=v\n"}, {"[b]\r\n", "k", "v", "[b]\r\n\n[a]\nk=v\n"},
+      // Lines of 4096 characters and more, before and behind the key, as the key, as the section.
+      {comment + "\n[a]\nk=1\n" + full + "=\n" + comment, "k", "2", comment + "\n[a]\nk=2\n" + full + "=\n" + comment + "\n"},
+      {"[a]\n" + comment + "k=1\nz=1", "k", "2", "[a]\n" + comment + "k=2\nz=1\n"}, {"[a]\nk=" + full.substr(2) + "\nz=1", "k", "2", "[a]\nk=2\nz=1\n"},
+      {"[a]\nk=" + full.substr(2), "k", "2", "[a]\nk=2\n"}, {"[a]\nk=" + full + "=\nz=1", "k", "2", "[a]\nk=2\nxx=\nz=1\n"},
+      {"[a]" + blanks + "\nz=1", "k", "2", "[a]" + blanks + "\nk=2\nz=1\n"}, {"[a]" + blanks, "k", "2", "[a]" + blanks + "\nk=2\n"},
+      {"[a]" + blanks + "z=1", "k", "2", "[a]" + blanks + "\nk=2\nz=1\n"},
+      // Lines that could not be read back as one, and the longest that can.
+      {"[a]\n", "k", full.substr(2), "[a]\nk=" + full.substr(2) + "\n"}, {"[a]\n", "k", full.substr(1), ""}, {"", "k", full.substr(1), ""},
+      {"[a]\njunk\n", "k", "v", ""}, {"[oops\n", "k", "v", ""}, {"[a]\nk=1\n", "k=", "v", ""}, {"[a]\n", "[", "v", ""}, {"[a]\n", "x]", "v", ""},
+      {"[a]\n", "#k", "v", ""}, {"", "k+", "v", ""}};
+  // clang-format on
+  for (const auto& [before, key, value, after] : cases) {
+    Content(before);
+    EXPECT_EQ(WriteConfigFileString("a", key.c_str(), value.c_str(), "x.ini"), after.empty() ? 0 : 1)
+        << before;
+    EXPECT_EQ(Content(), after.empty() ? before : after);
+    EXPECT_TRUE(after.empty() || Get("a", key) == value) << before;
+  }
+  EXPECT_EQ(WriteConfigFileInt("a", "n", -5, "new.ini"), 1);
+  EXPECT_EQ(ReadFile("new.ini"), "\n[a]\nn=-5\n");
+  EXPECT_EQ(GetConfigFileInt("a", "n", 7, "new.ini"), 7);
+  EXPECT_EQ(WriteConfigFileInt("a", "n", 5, "new.ini"), 1);
+  EXPECT_EQ(fs::status("new.ini").permissions(), fs::perms{0600}) << "the copy's";
+  for (const std::size_t length : {4094U, 4095U}) {
+    Content("");
+    const std::string name(length, 's');
+    EXPECT_EQ(WriteConfigFileString(name.c_str(), "k", "v", "x.ini"), length == 4094 ? 1 : 0);
+    EXPECT_EQ(Get(name, "k"), length == 4094 ? "v" : "(none)");
+  }
+  for (const auto& [section, key, value, file] : {std::tuple{"", "k", "v", "x.ini"},
+                                                  {"a", "", "v", "x.ini"},
+                                                  {"a", "k", "", "x.ini"},
+                                                  {"a", "k", "v", ""}}) {
+    EXPECT_EQ(WriteConfigFileString(section, key, value, file), 0);
+  }
+  EXPECT_EQ(WriteConfigFileInt(nullptr, "k", 1, "x.ini") + WriteConfigFileString("a", "k", nullptr, "x.ini"),
+            0);
+}
+
+TEST_F(IniTest, ResolvedNames) {
+  const std::string deep = std::string(120, 'd') + "/", name = ".ini";
+  // clang-format off
+  const std::pair<std::string, bool> kNames[] = {
+      {"a/b/c.ini", true}, {folder_ + "e/c.ini", true}, {"f/", false}, {".ini", false}, {"f/.ini", false}, {"g\\c.ini", true}, {"x", true},
+      {deep + std::string(256 - deep.size() - name.size(), 'n') + name, true}, {deep + std::string(257 - deep.size() - name.size(), 'n') + name, true},
+      {"h/" + deep + std::string(256 - deep.size() - name.size(), 'n') + name, false}, {"x/y.ini", false}, {std::string(300, 'x'), false}};
+  // clang-format on
+  for (const auto& [path, is_good] : kNames) {
+    EXPECT_EQ(WriteConfigFileInt("a", "k", 3, path.c_str()), is_good ? 1 : 0) << path;
+    EXPECT_EQ(GetConfigFileInt("a", "k", 7, path.c_str()), is_good ? 3 : 7) << path;
+  }
+  EXPECT_FALSE(fs::exists("h")) << "a name that does not fit makes no folder";
+  for (const std::size_t length : {259U, 260U}) {
+    const std::string path = folder_ + deep + std::string(length - folder_.size() - deep.size(), 'n');
+    EXPECT_EQ(WriteConfigFileInt("a", "k", 3, path.c_str()), length == 259 ? 1 : 0);
+  }
+  // The folder of the temporary file, up to 1008 characters.
+  const std::string folder = Repeat("./", 504);
+  EXPECT_EQ(Set((folder + "t.ini").c_str(), "k", "1"), 0);
+  EXPECT_EQ(Set((folder + "t.ini").c_str(), "k", "2"), 0);
+  EXPECT_EQ(Set((folder + "/t.ini").c_str(), "k", "3"), vintra::kNoTarget);
+  EXPECT_EQ(ReadFile("t.ini"), "\n[a]\nk=2\n");
+}
+
+// Whatever fails on the way, the file is what it was.
+TEST_F(IniTest, FailedRewriteLeavesTheFile) {
+  const std::string before = "[a]\nk=1\n" + Repeat("# a line\n", 1000);
+  Content(before);
+  for (const auto& [failing, code] : {std::pair{"fsync", vintra::kNotWritten},
+                                      {"fclose2", vintra::kNotWritten},
+                                      {"rename", vintra::kNotWritten}}) {
+    fake.calls.clear();
+    fake.failing_call = failing;
+    EXPECT_EQ(Set("x.ini", "k", "2"), code) << failing;
+    EXPECT_TRUE(Content() == before) << failing;
+  }
+  fake.calls.clear();
+  fake.failing_call = "fsync2";  // the folder's, after which nothing is left to fail
+  EXPECT_EQ(Set("x.ini", "k", "3"), 0);
+  EXPECT_EQ(fake.calls, "fclose fsync fclose2 rename fsync2 fclose3 ")
+      << "lookup, copy, name, folder, old file";
+  EXPECT_EQ(Get("a", "k"), "3");
+
+  // A disk that takes no more: of a copy, and of a section at the end.
+  std::signal(SIGXFSZ, SIG_IGN);
+  rlimit limit{};
+  getrlimit(RLIMIT_FSIZE, &limit);
+  const std::string now = Content();
+  const rlimit small{now.size() + 4, limit.rlim_max};
+  setrlimit(RLIMIT_FSIZE, &small);
+  const sint32 copied = Set("x.ini", "k", "longer"), appended = Set("x.ini", "k", "v", "b"),
+               made = Set("y.ini", "k", "v");
+  setrlimit(RLIMIT_FSIZE, &limit);
+  EXPECT_EQ(std::to_string(copied) + std::to_string(appended) + std::to_string(made), "-13-130");
+  EXPECT_TRUE(Content() == now);
+
+  // There, but not for reading: it may have the section.
+  fs::create_symlink("loop.ini", "loop.ini");
+  EXPECT_EQ(Set("loop.ini", "k", "v"), vintra::kFileUnreadable);
+}
+
+}  // namespace
