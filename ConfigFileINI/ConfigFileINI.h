@@ -38,6 +38,8 @@
 
 #include "../Common/BaseTypes.h"
 
+#define VINTRA_INI_LINE_SIZE 4097 /* bytes that hold every line, and so every value, with a terminator */
+
 #ifdef __cplusplus
 extern "C" {
 #endif
@@ -63,8 +65,8 @@ VINTRA_API uint32 GetConfigINISign(sint8* section_symbol_left, sint8* section_sy
 /*
  * Copies the value of a key into key_value_buf, which has value_buf_size bytes; or key_value_default, which
  * may be null for an empty text, when the file cannot be read, has no such section or key, or is malformed
- * before it. What does not fit is cut off; a buffer of 4097 bytes holds every value. key_value_default may be
- * key_value_buf.
+ * before it. What does not fit the buffer is cut off; one of VINTRA_INI_LINE_SIZE bytes holds every value.
+ * key_value_default may be key_value_buf.
  *
  * Returns the number of characters stored, without the terminator that is always there: 0 for a key with an
  * empty value. A null or empty section_name, key_name or Ini_file, a null buffer and a size of 0 give 0 and

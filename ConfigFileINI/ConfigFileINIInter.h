@@ -8,8 +8,8 @@
 
 namespace vintra {
 
-constexpr sint32 kLongestLine = 4096;  // characters; a buffer has one byte more
-constexpr std::size_t kLineSize = kLongestLine + 1;
+constexpr std::size_t kLineSize = VINTRA_INI_LINE_SIZE;
+constexpr sint32 kLongestLine = kLineSize - 1;  // characters
 constexpr std::size_t kIniPathSize = 260;
 
 // Results of the functions below. They stay inside this module.

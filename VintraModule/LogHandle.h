@@ -19,13 +19,14 @@ constexpr uint32 kLiveMark = 0xF0F0;
 
 enum ResultCode : sint32 {
   kSuccess = 0,
-  kInvalidArgument = 1,  // also a record for a handle without an open file
-  kNoMemory = 2,         // also a message that no buffer can hold
-  kNoFolder = 4,         // the log folder could not be made
-  kNoFile = 5,           // a log file could not be opened or emptied, or its size not read
-  kWriteFailed = 7,      // writing or flushing failed
-  kFolderTooLong = 9,    // the library's folder with the name's relative folder
-  kHeaderFailed = 10,    // a header field could not be formatted
+  kInvalidArgument = 1,   // also a record for a handle without an open file
+  kNoMemory = 2,          // also a message that no buffer can hold
+  kNoFolder = 4,          // the log folder could not be made
+  kNoFile = 5,            // a log file could not be opened or emptied, or its size not read
+  kWriteFailed = 7,       // writing or flushing failed
+  kFolderTooLong = 9,     // the library's folder with the name's relative folder
+  kBadConfiguration = 9,  // what LOG_MODULE_INIT says where the common start-up says kInvalidArgument
+  kHeaderFailed = 10,     // a header field could not be formatted
   kClockUnreadable = 12,
   kNoSystemInfo = 13,  // the host name or the system identification could not be read
 };

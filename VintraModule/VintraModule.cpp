@@ -8,6 +8,7 @@
 
 #include "Common/Handles.h"
 #include "Common/Text.h"
+#include "VintraModule/LogConfig.h"
 #include "VintraModule/LogFile.h"
 #include "VintraModule/Scrambling.h"
 #include "VintraModule/VintraModuleExtract.h"
@@ -15,6 +16,12 @@
 
 static_assert(sizeof(LogConfigRec) == 348 && offsetof(LogConfigRec, log_format) == 284);
 static_assert(sizeof(LogConfigRecEx) == 548 && offsetof(LogConfigRecEx, log_encrypt) == 544);
+
+namespace {
+
+constexpr std::size_t kConfigNameSize = 264;  // of the name of a configuration file and of a section
+
+}  // namespace
 
 sint32 LOG_MODULE_INIT_Ex(const LogConfigRec* a_log_config, LOGHANDLE* a_log_handle) {
   if (a_log_config == nullptr) return vintra::kInvalidArgument;
@@ -36,6 +43,24 @@ sint32 LOG_MODULE_INIT_Ex(const LogConfigRec* a_log_config, LOGHANDLE* a_log_han
 
 sint32 LOG_MODULE_INIT_New_Ex(const LogConfigRecEx* a_log_config, LOGHANDLE* a_log_handle) {
   return LogModuleInitExtract(a_log_config, a_log_handle);
+}
+
+sint32 LOG_MODULE_INIT(const sint8* config_file, const sint8* section, LOGHANDLE* a_log_handle) {
+  if (a_log_handle == nullptr) {
+    REPORT_ERROR("LOG_MODULE_INIT Invalid param:a_log_handle is null");
+    return vintra::kInvalidArgument;
+  }
+  sint8 file_name[kConfigNameSize];
+  sint8 section_name[kConfigNameSize];
+  if (!vintra::CopyText(file_name, config_file == nullptr ? "null" : config_file) ||
+      !vintra::CopyText(section_name, section == nullptr ? "null" : section)) {
+    REPORT_ERROR("LOG_MODULE_INIT config_file or section has more than %zu characters.", kConfigNameSize - 1);
+    return vintra::kBadConfiguration;
+  }
+  LogConfigRecEx config{};
+  CheckValueFromConfig(&config, file_name, section_name);
+  const sint32 code = LogModuleInitExtract(&config, a_log_handle);
+  return code == vintra::kInvalidArgument ? sint32{vintra::kBadConfiguration} : code;
 }
 
 LogLevel LOG_LEVEL(LOGHANDLE log_handle) {

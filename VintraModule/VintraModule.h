@@ -21,7 +21,8 @@
  *    4  the log folder could not be made
  *    5  a log file could not be opened or emptied, its path exceeds 259 characters, or its size is unreadable
  *    7  writing or flushing the log file failed; records not flushed before may be lost with it
- *    9  the library's folder joined with the folder of a relative name exceeds 259 characters
+ *    9  the library's folder joined with the folder of a relative name exceeds 259 characters; or what
+ *       LOG_MODULE_INIT has read is an invalid argument
  *   10  a header field of a record could not be formatted
  *   12  the clock could not be read
  *   13  the host name or the system's identification could not be read
@@ -202,6 +203,39 @@ VINTRA_API sint32 LOG_MODULE_INIT_Ex(const LogConfigRec* a_log_config, LOGHANDLE
  * a_log_config says. The results are the same, and those of a record (LOG_TRACE) or 13 when a banner fails:
  * then *a_log_handle is null_log_handle. */
 VINTRA_API sint32 LOG_MODULE_INIT_New_Ex(const LogConfigRecEx* a_log_config, LOGHANDLE* a_log_handle);
+
+/*
+ * Opens a log as a section of an INI file says (see ConfigFileINI.h for its syntax), with these keys:
+ *
+ *   key               value                                              default
+ *   file_name         log_file_name, up to 259 characters                default.log
+ *   level             a name of LogLevel, as Log_Level_Info              Log_Level_Disable
+ *   mode              a name of LogMode, as Log_Mode_Date                Log_Mode_Simple
+ *   max_file_size     bytes                                              20971520 (20 MiB)
+ *   max_backup_index  files of a ring or day                             20
+ *   flush_size        file_flush_size, bytes                             0
+ *   format            log_format                                         %D%T%E%N
+ *   time_span         log_time_span, days; read in the date mode         0
+ *   SysConfFormat     sysconf_format                                     %N
+ *   module_name       module_name, up to 63 characters                   none
+ *   PidAndTid         PidandTid                                          %N
+ *   encrypt           log_encrypt                                        1, scrambled
+ *
+ * Names of levels and modes may be in any case. Numbers are read as GetConfigFileInt does. A key that is
+ * missing, empty, 0 or of no use takes its default with a line in the error log (no line: flush_size,
+ * encrypt, and what the mode does not use); an empty format is kept, and a time_span of 0 reported. So a file
+ * or section that is missing makes a log whose threshold drops every record: see LOG_LEVEL. A file_name that
+ * ends in '/' or '\' is a folder and gets "default.log" behind it, one that ends in ':' "/default.log"; where
+ * that exceeds 259 characters it is "default.log" alone. Formats are cut to 63 characters.
+ *
+ * config_file counts from the working directory when it is relative; a relative file_name is placed under the
+ * folder of this library's own file. A null text reads as "null". An empty one finds no key, and leaves the
+ * format empty.
+ *
+ * Returns what LOG_MODULE_INIT_New_Ex does, but 1 for a null a_log_handle only, and 9 for every other invalid
+ * argument: a base name that is empty or too long, and a config_file or section of more than 263 characters.
+ */
+VINTRA_API sint32 LOG_MODULE_INIT(const sint8* config_file, const sint8* section, LOGHANDLE* a_log_handle);
 
 /* Returns the handle's threshold, or Log_Level_Disable for a handle that is not live. Takes no lock. */
 VINTRA_API LogLevel LOG_LEVEL(LOGHANDLE log_handle);

@@ -10,8 +10,6 @@
 
 namespace {
 
-using namespace std::string_literals;
-
 // Works on one file, "x.ini". The signs are the default ones again after each test.
 class IniTest : public LogTest {
  protected:

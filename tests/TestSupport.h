@@ -19,6 +19,7 @@
 #include "VintraModule/LogHandle.h"
 
 namespace fs = std::filesystem;
+using namespace std::string_literals;
 
 constexpr std::time_t kStart = 1794835454;             // 2026-11-16 13:24:14 UTC
 constexpr std::time_t kNoYear = std::time_t{1} << 60;  // in a year that has no number
