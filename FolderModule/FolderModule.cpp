@@ -2,6 +2,9 @@
 
 #include <unistd.h>
 
+#include <algorithm>
+#include <climits>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 
@@ -35,6 +38,20 @@ int MakeRest(const char* rest, const char* parent, std::size_t parent_length) {
   std::memcpy(level, parent, parent_length);
   level[parent_length] = '/';
   return CreateChildDir(level, rest);
+}
+
+// Hands the paths of a walk to the caller, whose running total with them is `total`.
+int PackPaths(const vintra::PathList& found, int total, char* files, int length, int* realLen, int* count) {
+  if (found.out_of_memory()) return -1;
+  *count = static_cast<int>(std::min<std::size_t>(found.count(), INT_MAX));
+  *realLen = total;
+  const std::string_view bytes = found.bytes();
+  // The total may have begun anywhere, so what the paths really need counts as well.
+  const auto need = std::max<std::int64_t>(total, static_cast<std::int64_t>(bytes.size()));
+  if (files == nullptr || need > length) return -1;
+  const std::size_t used = bytes.copy(files, bytes.size());
+  std::memset(files + used, 0, static_cast<std::size_t>(length) - used);
+  return 1;
 }
 
 }  // namespace
@@ -155,4 +172,23 @@ int RecursiveCreateDir(char* a_dir, char* parent_dir, int back_size) {
   const auto parent_length = static_cast<std::size_t>(back_size);
   if (strnlen(parent_dir, parent_length + 1) != parent_length) return 0;
   return MakeRest(a_dir, parent_dir, parent_length);
+}
+
+int TraversalFolder(const char* path, char* files, int length, int* realLen, int* count) {
+  if (path == nullptr || realLen == nullptr || count == nullptr) return 0;
+  const vintra::CancellationPause pause;
+  vintra::PathList found;
+  int total = *realLen;
+  TraversalFolderFiles(path, found, &total);
+  return PackPaths(found, total, files, length, realLen, count);
+}
+
+int FindPathByFileName(const char* path, const char* filename, char* files, int length, int* realLen,
+                       int* count) {
+  if (path == nullptr || filename == nullptr || realLen == nullptr || count == nullptr) return 0;
+  const vintra::CancellationPause pause;
+  vintra::PathList found;
+  int total = *realLen;
+  FindDirByFileName(path, filename, found, &total);
+  return PackPaths(found, total, files, length, realLen, count);
 }

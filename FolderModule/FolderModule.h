@@ -1,12 +1,13 @@
 /*
- * Vintra's folder utilities: taking paths apart, putting them together, naming folders, making folder chains.
+ * Vintra's folder utilities: taking paths apart, putting them together, naming folders, making folder chains,
+ * walking folders, reading and writing whole files.
  *
  * Paths are NUL-terminated byte strings. Both '/' and '\' separate components when a path is read; '/' is
  * what is written. The "drive" of an absolute path is the one character '/'.
  *
  * All buffers belong to the caller, who keeps to the sizes named here, in bytes with the terminator. Output
- * buffers must not overlap input texts. Nothing is allocated and nothing is kept between calls, so every
- * function may run in any number of threads at once.
+ * buffers must not overlap input texts. Nothing is kept between calls, so every function may run in any
+ * number of threads at once. Only the walks allocate memory, for the length of a call.
  *
  * The functions that make folders return 1 when something of the folder's name is there at the end of the
  * call, and 0 when it is not. Nothing here writes a message.
@@ -77,6 +78,54 @@ VINTRA_API int CreateMulDir(const char* path);
  * only where that one was there before.
  */
 VINTRA_API int CreateChildDir(char* parent_dir, const char* subdir);
+
+/*
+ * Lists every entry of the folder path and of all folders below it, or every entry called filename (exactly,
+ * in upper and lower case) that is no folder. files, of length bytes, receives the paths: "path/name", each
+ * with a NUL behind it, one after the other, and NULs up to its end. *count receives their number.
+ *
+ * *realLen is a running total, to which the call adds the bytes that the paths take, NULs included, up to
+ * INT_MAX; set it to 0 before each call. A caller who does not know the size calls with files null first, and
+ * then with a buffer of *realLen bytes, with *realLen at 0 again.
+ *
+ * A folder comes before what is in it; otherwise the order is the file system's. "." and ".." are left out,
+ * and so are paths of more than 1023 characters with everything below them. A link is an entry like a file
+ * and is not followed. Where the file system does not tell kinds of entries apart, folders count as files;
+ * block devices and sockets count as folders. What cannot be opened is not listed, but for its own path;
+ * where that is path itself, nothing is found. Each level that is open takes a descriptor.
+ *
+ * Returns
+ *    1  files holds the paths
+ *    0  path, filename, realLen or count is null, and nothing was written
+ *   -1  files is null, or *realLen or what the paths take exceeds length: *count and *realLen are set, and
+ *       files is as it was; or there is no memory, and nothing at all was written
+ */
+VINTRA_API int TraversalFolder(const char* path, char* files, int length, int* realLen, int* count);
+VINTRA_API int FindPathByFileName(const char* path, const char* filename, char* files, int length,
+                                  int* realLen, int* count);
+
+/*
+ * Writes length bytes of msg into the file filename, opened with fopen's mode: "w" replaces what is there,
+ * "a" adds to it. Returns 1 when all bytes were handed to the system, else 0: for a null argument and a
+ * length below 0, before anything is opened; when the file cannot be opened; and when not all bytes could be
+ * written, or length is 0, with the file then created or emptied as mode says.
+ */
+VINTRA_API int CustomWriteFile(const char* filename, const char* mode, const char* msg, int length);
+
+/*
+ * Reads a whole file of up to length bytes into msg, which has length + 1 bytes, and puts a NUL behind them;
+ * bytes of any value come through. *realLen receives their number. A caller who does not know the size calls
+ * with a length of 0 first, and then with *realLen.
+ *
+ * Returns
+ *    1  read. Of a file that grows meanwhile, or does not tell its size, the first length bytes. When reading
+ *       fails on the way, what came before: errno then says why, and is left alone otherwise.
+ *    0  an argument is null, or the file is not there, cannot be opened, is a folder or does not tell its
+ *       status: msg and *realLen are as they were
+ *   -1  the file has more than length bytes: *realLen says how many, and INT_MAX where it has 2 GiB or more,
+ *       which cannot be read with one call; msg is as it was
+ */
+VINTRA_API int CustomReadFile(const char* filename, char* msg, int length, int* realLen);
 
 #ifdef __cplusplus
 }

@@ -1,15 +1,18 @@
-// The platform side of the folder utilities: the only place that asks the loader and makes folders.
+// The platform side of the folder utilities: the only place that asks the loader, makes folders and reads
+// them.
 #ifndef VINTRA_FOLDERMODULE_LINUXFUNC_H
 #define VINTRA_FOLDERMODULE_LINUXFUNC_H
 
 #include "Common/BaseTypes.h"
+#include "FolderModule/PathList.h"
 
 namespace vintra {
 
 constexpr char kSeparators[] = "/\\";
-constexpr int kDllPathSize = 260;   // of the library's own file name, terminator included
-constexpr int kLongestChain = 248;  // characters of a folder chain
-constexpr int kLongestLevel = 259;  // characters of a root part, and of a parent with one component
+constexpr int kDllPathSize = 260;     // of the library's own file name, terminator included
+constexpr int kLongestChain = 248;    // characters of a folder chain
+constexpr int kLongestLevel = 259;    // characters of a root part, and of a parent with one component
+constexpr int kFoundPathSize = 1024;  // of a path that a walk finds
 constexpr int kChainBufferSize = kLongestLevel + 2;  // one level, a '/' behind it, the terminator
 
 // What became of one level of a chain. Only a level that the call made itself may be removed again.
@@ -36,5 +39,14 @@ VINTRA_API void GetDLLPath(char* module_dir);
 VINTRA_API int SetRootDir(char* a_dir, char* dir, char* parent_dir);
 VINTRA_API int CheckAndCreateParentDir(char* parent_dir, int back_size, int front_size);
 VINTRA_API int CreateDir(char* parent_dir, int front_size);
+
+// Walk the folder path and all below it, and append to files the path of every entry, or of every entry
+// called filename that is no folder. A folder's entry comes before those in it; otherwise they come as the
+// file system has them. Links are not followed. The bytes of each path and its NUL are added to *realLen, up
+// to INT_MAX. Paths of more than 1023 characters are left out, with what is below them.
+//
+// Return the size of the list; 0 when path cannot be opened. A list that is out of memory ends the walk.
+int TraversalFolderFiles(const char* path, vintra::PathList& files, int* realLen);
+int FindDirByFileName(const char* path, const char* filename, vintra::PathList& files, int* realLen);
 
 #endif
