@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <cstring>
 #include <string_view>
 
@@ -32,14 +33,31 @@ bool EndsLine(sint8 byte) { return byte == '\n' || byte == '\r' || byte == '\0';
 bool ClosesLine(sint8 byte) { return byte == kFormFeed || byte == kSubstitute; }
 
 #ifdef __GLIBC__
+// True when one of eight bytes is below 0x20, as every byte that ends a line is.
+bool HasControlByte(std::uint64_t bytes) {
+  constexpr std::uint64_t kOnes = 0x0101010101010101;
+  return ((bytes - 0x20 * kOnes) & ~bytes & 0x80 * kOnes) != 0;
+}
+
 // Takes what the stream has read ahead, up to a line's end, at the speed of memory. These are the two
 // pointers that the C library's own getc_unlocked works on where it is expanded in its caller.
 sint32 TakeReadAhead(FILE* file, sint8* text, sint32 room) {
   const sint8* const ahead = file->_IO_read_ptr;
   const std::ptrdiff_t limit = std::min<std::ptrdiff_t>(file->_IO_read_end - ahead, room);
+  constexpr std::ptrdiff_t kStep = sizeof(std::uint64_t);
   std::ptrdiff_t count = 0;
-  for (; count < limit && !EndsLine(ahead[count]) && !ClosesLine(ahead[count]); ++count) {
-    text[count] = ahead[count];
+  for (bool ends = false; !ends && count < limit;) {
+    for (std::uint64_t bytes = 0; limit - count >= kStep; count += kStep) {
+      std::memcpy(&bytes, ahead + count, kStep);
+      if (HasControlByte(bytes)) break;
+      std::memcpy(text + count, &bytes, kStep);
+    }
+    const std::ptrdiff_t step_end = std::min(limit, count + kStep);
+    for (; count < step_end; ++count) {
+      ends = EndsLine(ahead[count]) || ClosesLine(ahead[count]);
+      if (ends) break;
+      text[count] = ahead[count];
+    }
   }
   file->_IO_read_ptr += count;
   return static_cast<sint32>(count);
@@ -71,9 +89,9 @@ sint32 FileGetLine(FILE* file_in, sint8* str_buf, sint32 buf_len) {
 }
 
 sint8* string_trim_left(sint8* str_buf) {
-  if (str_buf == nullptr) return str_buf;
+  if (str_buf == nullptr || (*str_buf != ' ' && *str_buf != '\t')) return str_buf;
   const std::size_t blanks = std::strspn(str_buf, kBlanks);
-  if (blanks != 0) std::memmove(str_buf, str_buf + blanks, std::strlen(str_buf + blanks) + 1);
+  std::memmove(str_buf, str_buf + blanks, std::strlen(str_buf + blanks) + 1);
   return str_buf;
 }
 

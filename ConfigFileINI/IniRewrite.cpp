@@ -16,6 +16,7 @@ namespace {
 
 constexpr sint8 kTemporaryName[] = "Ini_temp_XXXXXX";
 constexpr std::size_t kTemporaryPathSize = 1024;
+constexpr std::size_t kStreamBufferSize = 16384;  // a quarter of the writes that the stream's own would take
 
 // The folder of a file with its last '/', or nothing for the working directory.
 std::string_view FolderOf(std::string_view path) { return path.substr(0, path.rfind('/') + 1); }
@@ -78,7 +79,10 @@ class LineCopy {
   }
 
   bool Put() {
-    return PutText(to_, {line_, static_cast<std::size_t>(length_)}) && (is_piece_ || PutByte(to_, '\n'));
+    const auto length = static_cast<std::size_t>(length_);
+    if (is_piece_) return PutText(to_, {line_, length});
+    line_[length] = '\n';  // in the terminator's place
+    return PutText(to_, {line_, length + 1});
   }
 
   FILE* from_;
@@ -113,7 +117,9 @@ class TemporaryFile {
     FileDescriptor descriptor(mkostemp(name_, O_CLOEXEC));
     if (!descriptor) return;
     stream_.reset(fdopen(descriptor.get(), "w"));
-    if (stream_) static_cast<void>(descriptor.release());
+    if (!stream_) return;
+    static_cast<void>(descriptor.release());
+    static_cast<void>(setvbuf(stream_.get(), stream_buffer_, _IOFBF, sizeof stream_buffer_));
   }
 
   // Null when the file could not be made.
@@ -128,6 +134,7 @@ class TemporaryFile {
 
  private:
   sint8 name_[kTemporaryPathSize];
+  sint8 stream_buffer_[kStreamBufferSize];
   FilePtr stream_;
 };
 
