@@ -125,8 +125,9 @@ VINTRA_API sint32 GetConfigFileKeys(const sint8* section, sint8* keys, sint32 ke
  *   a file that is there and cannot be opened for reading, or is malformed before the key
  *   a file that cannot be written, or not be brought to the disk
  *
- * Section and value are written as they are: a value that ends in the connect sign, begins or ends with
- * blanks, or holds a line end is not read back as it was. A negative number reads as absent.
+ * Section and value are written as they are, and are the caller's to check: a value that ends in the connect
+ * sign makes the next line its own, one that holds a line end makes lines of its own, and blanks at its ends
+ * do not come back. A negative number reads as absent.
  */
 VINTRA_API BOOL WriteConfigFileString(const sint8* section_name, const sint8* key_name,
                                       const sint8* key_value_buf, const sint8* Ini_file);
