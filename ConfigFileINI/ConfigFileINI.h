@@ -103,7 +103,7 @@ VINTRA_API sint32 GetConfigFileKeys(const sint8* section, sint8* keys, sint32 ke
 
 /*
  * Writes a key as "name=value", a text or a decimal number. A file or section that is missing is made, the
- * section at the end of the file, with an empty line before it; folders of Ini_file that are missing are made
+ * section at the end of the file, with an LF before it; folders of Ini_file that are missing are made
  * as CreateMulDir makes them. A key that is there keeps its place, its lines becoming one; a new key stands
  * first in its section.
  *

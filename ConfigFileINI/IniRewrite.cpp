@@ -148,6 +148,16 @@ void SyncFolderOf(const sint8* path) {
   if (descriptor) static_cast<void>(fsync(descriptor.get()));
 }
 
+// True when the end of a file asks to be continued. The next line would then be taken for a part of it.
+bool GoesOn(const FileDescriptor& file, off_t size) {
+  sint8 tail[kLineSize];
+  const ssize_t length = pread(file.get(), tail, sizeof tail, std::max<off_t>(size - off_t{sizeof tail}, 0));
+  if (length <= 0) return false;
+  const std::string_view text(tail, static_cast<std::size_t>(length));
+  const std::size_t last = text.find_last_not_of(" \t");
+  return last != std::string_view::npos && text[last] == ConnectLineSign;
+}
+
 sint32 Rewrite(const sint8* path, const Place& place, const KeyLine& line) {
   TemporaryFile temporary(path);
   if (temporary.stream() == nullptr) return kNoTarget;
@@ -171,10 +181,15 @@ sint32 InsertKey(const INIFileRec& found, const KeyLine& line) {
 
 sint32 AppendSection(const sint8* path, bool is_missing, std::string_view section, const KeyLine& line) {
   if (section.size() + 2 > kLongestLine) return kNotWritten;
-  sint8 text[2 * kLineSize + 1];  // an LF, and two lines with theirs
+  FileDescriptor file(open(path, O_RDWR | O_CREAT | O_APPEND | O_CLOEXEC, 0666));
+  struct stat before {};
+  if (!file || fstat(file.get(), &before) != 0) return kNoTarget;
+
+  sint8 text[2 * kLineSize + 2];  // two LF at most, and two lines with theirs
   sint8* end = text;
   const auto put = [&end](std::string_view piece) { end = std::copy(piece.begin(), piece.end(), end); };
   *end++ = '\n';
+  if (GoesOn(file, before.st_size)) *end++ = '\n';
   *end++ = SectionSymbolLeft;
   put(section);
   *end++ = SectionSymbolRight;
@@ -185,9 +200,6 @@ sint32 AppendSection(const sint8* path, bool is_missing, std::string_view sectio
   *end++ = '\n';
   const std::string_view bytes(text, static_cast<std::size_t>(end - text));
 
-  FileDescriptor file(open(path, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666));
-  struct stat before {};
-  if (!file || fstat(file.get(), &before) != 0) return kNoTarget;
   const bool is_stored = file.WriteAll(bytes) == bytes.size() && fsync(file.get()) == 0;
   if (close(file.release()) == 0 && is_stored) {
     if (is_missing) SyncFolderOf(path);

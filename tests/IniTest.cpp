@@ -204,7 +204,7 @@ TEST_F(IniTest, Rewriting) {
       {"[a]\nk=1\n[a]\nk=2\n", "m", "5", "[a]\nm=5\nk=1\n[a]\nk=2\n"}, {"[b]\n k = 1\n [a] \n\tk =\t1", "k", "2", "[b]\n k = 1\n [a] \nk=2\n"},
       {"[a]", "k", "v", "[a]\nk=v\n"}, {"[a]\r\nx=1\r\nk=1\r\n", "k", "2", "[a]\n\nx=1\n\nk=2\n\n"}, {"[a]\nx\0y=\f"s, "x", "1", ""},
       {"[a]\nx=1\fy=\0z=\x1A"s, "y", "2", "[a]\nx=1\f\ny=2\nz=\x1A\n"}, {"[a]\nk=1+", "k", "2", "[a]\nk=2\n"}, {"[a]\nk=1+\n\n\nx=1", "k", "2", "[a]\nk=2\n\nx=1\n"},
-      {"", "k", "v", "\n[a]\nk=v\n"}, {"[b]\nk=1", "k", "v", "[b]\nk=1\n[a]\nk=v\n"}, {"[b]\r\n", "k", "v", "[b]\r\n\n[a]\nk=v\n"},
+      {"", "k", "v", "\n[a]\nk=v\n"}, {"[b]\nk=1", "k", "v", "[b]\nk=1\n[a]\nk=v\n"}, {"[b]\r\n", "k", "v", "[b]\r\n\n[a]\nk=v\n"}, {"[b]\nx=1+ ", "k", "v", "[b]\nx=1+ \n\n[a]\nk=v\n"},
       // Lines of 4096 characters and more, before and behind the key, as the key, as the section.
       {comment + "\n[a]\nk=1\n" + full + "=\n" + comment, "k", "2", comment + "\n[a]\nk=2\n" + full + "=\n" + comment + "\n"},
       {"[a]\n" + comment + "k=1\nz=1", "k", "2", "[a]\n" + comment + "k=2\nz=1\n"}, {"[a]\nk=" + full.substr(2) + "\nz=1", "k", "2", "[a]\nk=2\nz=1\n"},
