@@ -22,15 +22,12 @@ const INIFileRec null_ini_file = {};
 
 namespace {
 
+using vintra::ClosesLine;
+
 constexpr sint8 kBlanks[] = " \t";
-constexpr sint8 kFormFeed = '\f';
-constexpr sint8 kSubstitute = '\x1A';
 
 // A byte that ends a line and is not part of it.
 bool EndsLine(sint8 byte) { return byte == '\n' || byte == '\r' || byte == '\0'; }
-
-// A byte that ends a line as its last one.
-bool ClosesLine(sint8 byte) { return byte == kFormFeed || byte == kSubstitute; }
 
 #ifdef __GLIBC__
 // True when one of eight bytes is below 0x20, as every byte that ends a line is.
@@ -142,6 +139,28 @@ sint32 GetConfigFileKey(INIFileRec* Ini_file_info, const sint8* section, const s
   return code;
 }
 
+namespace {
+
+// False for a key that no lookup would find again, under the name that it has in a line.
+bool CanBeFound(std::string_view key) {
+  const sint8 refused[] = {SectionSymbolLeft,
+                           SectionSymbolRight,
+                           KeyValueSplitSign,
+                           NoteLineSign,
+                           ConnectLineSign,
+                           '\n',
+                           '\r',
+                           '\f',
+                           '\x1A'};
+  constexpr std::string_view kBlankBytes = kBlanks;
+  return KeyValueSplitSign != '\0' &&
+         key.find_first_of({refused, sizeof refused}) == std::string_view::npos &&
+         kBlankBytes.find(key.front()) == std::string_view::npos &&
+         kBlankBytes.find(key.back()) == std::string_view::npos;
+}
+
+}  // namespace
+
 sint32 SetConfigFileKey(INIFileRec* Ini_file_info, const sint8* section, const sint8* key, const sint8* buf) {
   if (buf == nullptr) return vintra::kNullArgument;
   sint8 old_value[vintra::kLineSize];
@@ -151,12 +170,9 @@ sint32 SetConfigFileKey(INIFileRec* Ini_file_info, const sint8* section, const s
   const bool is_missing = found == vintra::kFileUnreadable && errno == ENOENT;
   if (found == vintra::kFileUnreadable && !is_missing) return found;
 
-  const sint8 signs[] = {SectionSymbolLeft, SectionSymbolRight, KeyValueSplitSign, NoteLineSign,
-                         ConnectLineSign};
   const vintra::KeyLine line{key, KeyValueSplitSign, buf};
-  if (line.key.find_first_of({signs, sizeof signs}) != std::string_view::npos) return vintra::kNotWritten;
-  if (line.key.size() + 1 + line.value.size() > vintra::kLongestLine) return vintra::kNotWritten;
-
+  if (!CanBeFound(line.key) || line.key.size() + 1 + line.value.size() > vintra::kLongestLine)
+    return vintra::kNotWritten;
   if (found == vintra::kIniSuccess) return vintra::ReplaceKey(*Ini_file_info, line);
   if (found == vintra::kNoKey) return vintra::InsertKey(*Ini_file_info, line);
   return vintra::AppendSection(Ini_file_info->file_name, is_missing, section, line);

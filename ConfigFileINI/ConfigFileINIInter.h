@@ -30,6 +30,9 @@ enum IniCode : sint32 {
   kEndOfFile = -24,
 };
 
+// A byte that ends a line as its last one.
+inline bool ClosesLine(sint8 byte) { return byte == '\f' || byte == '\x1A'; }
+
 }  // namespace vintra
 
 // Where a lookup has found its key. Lines count from 1, as FileGetLine returns them.

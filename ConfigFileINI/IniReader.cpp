@@ -46,7 +46,6 @@ sint32 IniReader::NextKey(sint8*& key, sint8*& value) {
     if (first == SectionSymbolLeft) return kNoKey;
     if (const sint32 code = JoinContinuations(); code != 0) return code;
     if (SplitKeyValue(line_, &key, &value) != 0) return kMalformedLine;
-    string_trim_left(key);
     return kIniSuccess;
   }
 }

@@ -74,7 +74,7 @@ class LineCopy {
   sint32 Read() {
     length_ = FileGetLine(from_, line_, kLongestLine);
     if (length_ < 0) return length_ == kReadError ? kLineUnreadable : kEndOfFile;
-    is_piece_ = length_ == kLongestLine;
+    is_piece_ = length_ == kLongestLine && !ClosesLine(line_[length_ - 1]);
     return kIniSuccess;
   }
 
@@ -181,7 +181,7 @@ sint32 InsertKey(const INIFileRec& found, const KeyLine& line) {
 
 sint32 AppendSection(const sint8* path, bool is_missing, std::string_view section, const KeyLine& line) {
   if (section.size() + 2 > kLongestLine) return kNotWritten;
-  FileDescriptor file(open(path, O_RDWR | O_CREAT | O_APPEND | O_CLOEXEC, 0666));
+  const FileDescriptor file(open(path, O_RDWR | O_CREAT | O_APPEND | O_CLOEXEC, 0666));
   struct stat before {};
   if (!file || fstat(file.get(), &before) != 0) return kNoTarget;
 
@@ -200,14 +200,13 @@ sint32 AppendSection(const sint8* path, bool is_missing, std::string_view sectio
   *end++ = '\n';
   const std::string_view bytes(text, static_cast<std::size_t>(end - text));
 
-  const bool is_stored = file.WriteAll(bytes) == bytes.size() && fsync(file.get()) == 0;
-  if (close(file.release()) == 0 && is_stored) {
-    if (is_missing) SyncFolderOf(path);
-    return kIniSuccess;
+  if (file.WriteAll(bytes) != bytes.size() || fsync(file.get()) != 0) {
+    // When this fails too there is nothing left to try, and the result is the same.
+    [[maybe_unused]] const int taken_back = ftruncate(file.get(), before.st_size);
+    return kNotWritten;
   }
-  // When this fails too there is nothing left to try, and the result is the same.
-  [[maybe_unused]] const int taken_back = truncate(path, before.st_size);
-  return kNotWritten;
+  if (is_missing) SyncFolderOf(path);
+  return kIniSuccess;
 }
 
 }  // namespace vintra

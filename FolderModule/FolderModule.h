@@ -80,19 +80,22 @@ VINTRA_API int CreateMulDir(const char* path);
 VINTRA_API int CreateChildDir(char* parent_dir, const char* subdir);
 
 /*
- * Lists every entry of the folder path and of all folders below it, or every entry called filename (exactly,
- * in upper and lower case) that is no folder. files, of length bytes, receives the paths: "path/name", each
- * with a NUL behind it, one after the other, and NULs up to its end. *count receives their number.
+ * Lists every entry of the folder path and of all folders below it, or every entry whose whole name is
+ * filename, byte by byte, and that is no folder. files, of length bytes, receives the paths: path, '/', and
+ * what lies below it ("a//b" for a path "a/"), each with a NUL behind it, one after the other, and NULs up to
+ * its end. *count receives their number.
  *
  * *realLen is a running total, to which the call adds the bytes that the paths take, NULs included, up to
  * INT_MAX; set it to 0 before each call. A caller who does not know the size calls with files null first, and
- * then with a buffer of *realLen bytes, with *realLen at 0 again.
+ * then with a buffer of *realLen bytes, with *realLen at 0 again; where the folder has grown meanwhile, that
+ * gives -1 once more. A *count set to -1 before the call tells what -1 means: it stays -1 without memory.
  *
  * A folder comes before what is in it; otherwise the order is the file system's. "." and ".." are left out,
  * and so are paths of more than 1023 characters with everything below them. A link is an entry like a file
- * and is not followed. Where the file system does not tell kinds of entries apart, folders count as files;
- * block devices and sockets count as folders. What cannot be opened is not listed, but for its own path;
- * where that is path itself, nothing is found. Each level that is open takes a descriptor.
+ * and is not followed, unless it is path. Where the file system does not tell kinds of entries apart, folders
+ * count as files; block devices and sockets count as folders. A folder that cannot be opened is listed
+ * without what is in it, also for want of a descriptor, of which each level takes one; where it is path,
+ * nothing is found.
  *
  * Returns
  *    1  files holds the paths
@@ -115,7 +118,8 @@ VINTRA_API int CustomWriteFile(const char* filename, const char* mode, const cha
 /*
  * Reads a whole file of up to length bytes into msg, which has length + 1 bytes, and puts a NUL behind them;
  * bytes of any value come through. *realLen receives their number. A caller who does not know the size calls
- * with a length of 0 first, and then with *realLen.
+ * with a length of 0 and a buffer of one byte first: an empty file is then read, and any other gives its
+ * size.
  *
  * Returns
  *    1  read. Of a file that grows meanwhile, or does not tell its size, the first length bytes. When reading

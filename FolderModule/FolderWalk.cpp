@@ -3,6 +3,7 @@
 #include <fcntl.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <climits>
 #include <cstdint>
 #include <cstdlib>
@@ -31,7 +32,7 @@ class FolderWalk {
   // Returns false when path cannot be opened.
   bool Run(const char* path) {
     const vintra::DirPtr folder(opendir(path));
-    if (!folder) return false;
+    if (!folder) return NotOpened();
     const std::string_view text = path;
     // Nothing below a folder of this length fits.
     if (text.size() >= sizeof path_) return true;
@@ -46,9 +47,10 @@ class FolderWalk {
     const std::size_t folder_length = length_;
     while (const dirent* const entry = readdir(folder)) {
       const std::string_view name = entry->d_name;
+      if (name == "." || name == "..") continue;
       // Block devices and sockets have the bit as well. They cannot be opened as a folder.
       const bool is_folder = (entry->d_type & DT_DIR) != 0;
-      if (is_folder ? name == "." || name == ".." : !lists_all_ && name != wanted_) continue;
+      if (!is_folder && !lists_all_ && name != wanted_) continue;
       if (!Enter(name)) continue;
       if ((lists_all_ || !is_folder) && !Found()) return;
       if (is_folder) ReadBelow(folder, entry->d_name);
@@ -61,11 +63,19 @@ class FolderWalk {
   void ReadBelow(DIR* parent, const char* name) {
     constexpr int kFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
     vintra::FileDescriptor descriptor(openat(dirfd(parent), name, kFlags));
-    if (!descriptor) return;
-    const vintra::DirPtr folder(fdopendir(descriptor.get()));
-    if (!folder) return;
+    const vintra::DirPtr folder(descriptor ? fdopendir(descriptor.get()) : nullptr);
+    if (!folder) {
+      NotOpened();
+      return;
+    }
     static_cast<void>(descriptor.release());
     Read(folder.get());
+  }
+
+  // A folder that cannot be opened is left out, but one that there is no memory for may not be missing.
+  bool NotOpened() {
+    if (errno == ENOMEM) files_.RunOutOfMemory();
+    return false;
   }
 
   // Puts the name behind the folder's path. Returns false when that is too long.

@@ -15,6 +15,8 @@ class PathList {
   // Returns false when there is no memory.
   bool Append(std::string_view path);
 
+  // For what else a walk has no memory for.
+  void RunOutOfMemory() { out_of_memory_ = true; }
   bool out_of_memory() const { return out_of_memory_; }
   std::size_t count() const { return count_; }
   std::string_view bytes() const { return {bytes_.get(), size_}; }

@@ -36,6 +36,7 @@ int CustomWriteFile(const char* filename, const char* mode, const char* msg, int
   const vintra::CancellationPause pause;
   const vintra::FilePtr file(std::fopen(filename, mode));
   if (!file) return 0;
+  fcntl(fileno(file.get()), F_SETFD, FD_CLOEXEC);  // the mode is the caller's, and may not say so
   // Without a buffer the write itself meets a full disk, and not the closing, which could not report it.
   static_cast<void>(setvbuf(file.get(), nullptr, _IONBF, 0));
   return std::fwrite(msg, static_cast<std::size_t>(length), 1, file.get()) == 1 ? 1 : 0;

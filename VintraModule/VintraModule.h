@@ -21,14 +21,15 @@
  *    4  the log folder could not be made
  *    5  a log file could not be opened or emptied, its path exceeds 259 characters, or its size is unreadable
  *    7  writing or flushing the log file failed; records not flushed before may be lost with it
- *    9  the library's folder joined with the folder of a relative name exceeds 259 characters; or what
- *       LOG_MODULE_INIT has read is an invalid argument
+ *    9  the library's folder joined with the folder of a relative name exceeds 259 characters; or an argument
+ *       of LOG_MODULE_INIT, or what it has read, is invalid
  *   10  a header field of a record could not be formatted
  *   12  the clock could not be read
  *   13  the host name or the system's identification could not be read
  *
  * Failures are also described in the library's own file LogModuleErrMsg.log, one line each, in the folder of
- * the library's file. Where that folder cannot be written, these lines are lost and nothing else changes.
+ * the library's file; not so most invalid arguments, and a folder that is too long (9). Where that folder
+ * cannot be written, these lines are lost and nothing else changes.
  *
  * Texts are NUL-terminated bytes of any encoding. The widths of text fields are in bytes and include the
  * terminator; a field without a terminator is read to its width and not beyond.
@@ -219,12 +220,13 @@ VINTRA_API sint32 LOG_MODULE_INIT_New_Ex(const LogConfigRecEx* a_log_config, LOG
  *   SysConfFormat     sysconf_format                                     %N
  *   module_name       module_name, up to 63 characters                   none
  *   PidAndTid         PidandTid                                          %N
- *   encrypt           log_encrypt                                        1, scrambled
+ *   encrypt           1 scrambles, 0 or anything else does not           1
  *
- * Names of levels and modes may be in any case. Numbers are read as GetConfigFileInt does. A key that is
- * missing, empty, 0 or of no use takes its default with a line in the error log (no line: flush_size,
- * encrypt, and what the mode does not use); an empty format is kept, and a time_span of 0 reported. So a file
- * or section that is missing makes a log whose threshold drops every record: see LOG_LEVEL. A file_name that
+ * Names of levels and modes may be in any case. Numbers are read as GetConfigFileInt does, so that "10M" is
+ * 10. A key that is missing, empty or of no use, and a number that is 0 or negative, take the default with a
+ * line in the error log. Not so flush_size and encrypt: no line, and a 0 is taken. Nor format: it may be
+ * empty, and reads as missing when it is "null". What the mode does not use is not read. So a file or section
+ * that is missing makes a log whose threshold drops every record: see LOG_LEVEL. A file_name that
  * ends in '/' or '\' is a folder and gets "default.log" behind it, one that ends in ':' "/default.log"; where
  * that exceeds 259 characters it is "default.log" alone. Formats are cut to 63 characters.
  *

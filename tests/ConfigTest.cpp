@@ -51,8 +51,8 @@ TEST_F(ConfigTest, KeysAndDefaults) {
       {"time_span=0\nmax_backup_index=x\nmax_file_size=-5\n" + all, "/l/a.log|3|3|20971520|20|4096|0|0|%N|%O|net|%P", kSize + kIndex + kSpan},
       {"format=null\nSysConfFormat=\nPidAndTid=\nmodule_name=\nlevel=\nmode=\n" + all, "/l/a.log|9|1|10|0|4096|0|0|%D%T%E%N|%N||%N",
        kLevel + kMode + kFormat + kSystem + kModule + kProcess},
-      {"level=Info\nmode=Log_Mode_Dates\nflush_size=-1\nformat=\nencrypt=-1\n" + all, "/l/a.log|9|1|10|0|0|0|1||%O|net|%P",
-       "LOG_MODULE_INIT log level(Info) is invalid, use default level Log_Level_Disable\n"
+      {"level=" + Repeat("Info", 20) + "\nmode=Log_Mode_Dates\nflush_size=-1\nformat=\nencrypt=-1\n" + all, "/l/a.log|9|1|10|0|0|0|1||%O|net|%P",
+       "LOG_MODULE_INIT log level(" + Repeat("Info", 20) + ") is invalid, use default level Log_Level_Disable\n"
        "LOG_MODULE_INIT log mode(Log_Mode_Dates) is invalid, use default mode Log_Mode_Simple\n"}};
   // clang-format on
   for (const auto& [keys, fields, messages] : cases) {

@@ -133,7 +133,9 @@ TEST_F(IniTest, SignsAreReplaced) {
   EXPECT_EQ(WriteConfigFileString("s", "k[", "v", "x.ini"), 1);
   EXPECT_EQ(WriteConfigFileString("s", "k:", "v", "x.ini"), 0);
   EXPECT_TRUE(Content().ends_with("1\n<s>\nk[:v\n"));
-  NoteLineSign = 'p';  // as a host may do
+  NoteLineSign = '<';  // as a host may do; also that of sections
+  EXPECT_EQ(Lookup("net", "port"), "-1 0:0:0");
+  NoteLineSign = 'p';
   EXPECT_EQ(Lookup("net", "port"), "-14 1:3:1");
   sint8 left = 0, right = 0, split = 0, note = 0, connect = 0;
   GetConfigINISign(&left, &right, &split, &note, &connect);
@@ -171,6 +173,8 @@ TEST_F(IniTest, ValuesAndDefaults) {
     Content("[a]\nk="s + text);
     EXPECT_EQ(GetConfigFileInt("a", "k", 7, "x.ini"), number) << text;
   }
+  Content("[]\n=1\n[a]\nk=1");
+  EXPECT_EQ(GetConfigFileInt("", "k", 7, "x.ini"), 7);
   EXPECT_EQ(GetConfigFileInt("a", "", 7, "x.ini") + GetConfigFileInt("a", "k", 7, "y.ini"), 14);
 }
 
@@ -211,10 +215,13 @@ TEST_F(IniTest, Rewriting) {
       {"[a]\nk=" + full.substr(2), "k", "2", "[a]\nk=2\n"}, {"[a]\nk=" + full + "=\nz=1", "k", "2", "[a]\nk=2\nxx=\nz=1\n"},
       {"[a]" + blanks + "\nz=1", "k", "2", "[a]" + blanks + "\nk=2\nz=1\n"}, {"[a]" + blanks, "k", "2", "[a]" + blanks + "\nk=2\n"},
       {"[a]" + blanks + "z=1", "k", "2", "[a]" + blanks + "\nk=2\nz=1\n"},
+      {"[a]\nk=" + full.substr(3) + "\f\nz=1", "k", "2", "[a]\nk=2\n\nz=1\n"},
       // Lines that could not be read back as one, and the longest that can.
       {"[a]\n", "k", full.substr(2), "[a]\nk=" + full.substr(2) + "\n"}, {"[a]\n", "k", full.substr(1), ""}, {"", "k", full.substr(1), ""},
       {"[a]\njunk\n", "k", "v", ""}, {"[oops\n", "k", "v", ""}, {"[a]\nk=1\n", "k=", "v", ""}, {"[a]\n", "[", "v", ""}, {"[a]\n", "x]", "v", ""},
-      {"[a]\n", "#k", "v", ""}, {"", "k+", "v", ""}};
+      {"[a]\n", "#k", "v", ""}, {"", "k+", "v", ""}, {"[a]\n", " k", "v", ""},
+      {"[a]\n", "k\t", "v", ""}, {"[a]\n", "k\nl", "v", ""}, {"[a]\n", "k\rl", "v", ""}, {"[a]\n", "k\f", "v", ""}, {"[a]\n", "k\x1A", "v", ""},
+      {"[a]\n", "k l", "v", "[a]\nk l=v\n"}};
   // clang-format on
   for (const auto& [before, key, value, after] : cases) {
     Content(before);
@@ -269,37 +276,50 @@ TEST_F(IniTest, ResolvedNames) {
   EXPECT_EQ(ReadFile("t.ini"), "\n[a]\nk=2\n");
 }
 
-// Whatever fails on the way, the file is what it was.
+// Whatever fails on the way, the file is what it was, and what was written so far lies beside it.
 TEST_F(IniTest, FailedRewriteLeavesTheFile) {
-  const std::string before = "[a]\nk=1\n" + Repeat("# a line\n", 1000);
+  const std::string before = "[a]\nk=1\nz=1\n";
   Content(before);
-  for (const auto& [failing, code] : {std::pair{"fsync", vintra::kNotWritten},
-                                      {"fclose2", vintra::kNotWritten},
-                                      {"rename", vintra::kNotWritten}}) {
+  WriteFile("head.ini", "[a]\n");
+  // clang-format off
+  const struct { const char *failing_call, *file; sint32 code; } cases[] = {  // the file is what an open finds instead
+      {"fsync", "", -13}, {"fclose2", "", -13}, {"rename", "", -13}, {"write", "", -13}, {"write2", "", -13}, {"write3", "", -13},
+      {"write4", "", -13}, {"open2", "missing.ini", -10}, {"open2", ".", -12}, {"open2", "/dev/null", -12}, {"open2", "head.ini", -12},
+      {"open2", "fails behind:[a]\nk=1\nz=1", -12}};
+  // clang-format on
+  const auto set = [](const char* section, const char* failing_call, const char* file) {
     fake.calls.clear();
-    fake.failing_call = failing;
-    EXPECT_EQ(Set("x.ini", "k", "2"), code) << failing;
-    EXPECT_TRUE(Content() == before) << failing;
+    fake.failing_call = failing_call;
+    fake.other_file = file;
+    return Set("x.ini", "k", "2", section);
+  };
+  for (const auto& [failing_call, file, code] : cases) {
+    EXPECT_EQ(set("a", failing_call, file), code) << failing_call << file;
+    EXPECT_EQ(Content(), before) << failing_call << file;
   }
-  fake.calls.clear();
-  fake.failing_call = "fsync2";  // the folder's, after which nothing is left to fail
-  EXPECT_EQ(Set("x.ini", "k", "3"), 0);
-  EXPECT_EQ(fake.calls, "fclose fsync fclose2 rename fsync2 fclose3 ")
-      << "lookup, copy, name, folder, old file";
-  EXPECT_EQ(Get("a", "k"), "3");
+  EXPECT_EQ(std::distance(fs::directory_iterator("."), {}), 2 + static_cast<int>(std::size(cases)));
+  EXPECT_EQ(set("b", "fsync", ""), -13);
+  EXPECT_EQ(Content(), before) << "taken back";
+  EXPECT_EQ(set("a", "fsync2", ""), 0) << "the folder's: nothing is left to fail";
+  EXPECT_EQ(fake.calls, "open fclose open2 write write2 write3 write4 fsync fclose2 rename fsync2 fclose3 ");
+  EXPECT_EQ(Content(), "[a]\nk=2\nz=1\n");
+  EXPECT_EQ(fake.synced_size, 12) << "all of the copy";
+  EXPECT_EQ(set("b", "", ""), 0);
+  EXPECT_EQ(fake.calls, "open fclose fsync ");
+  fs::remove("x.ini");
+  EXPECT_EQ(set("b", "", ""), 0);
+  EXPECT_EQ(fake.calls, "open fsync fsync2 ") << "the folder has a new name in it";
 
-  // A disk that takes no more: of a copy, and of a section at the end.
+  // A disk that takes no more: of a section at the end, and of a new file.
   std::signal(SIGXFSZ, SIG_IGN);
   rlimit limit{};
   getrlimit(RLIMIT_FSIZE, &limit);
-  const std::string now = Content();
-  const rlimit small{now.size() + 4, limit.rlim_max};
+  const rlimit small{15, limit.rlim_max};
   setrlimit(RLIMIT_FSIZE, &small);
-  const sint32 copied = Set("x.ini", "k", "longer"), appended = Set("x.ini", "k", "v", "b"),
-               made = Set("y.ini", "k", "v");
+  const sint32 appended = Set("x.ini", "k", "v"), made = Set("y.ini", "k", "a long value");
   setrlimit(RLIMIT_FSIZE, &limit);
-  EXPECT_EQ(std::to_string(copied) + std::to_string(appended) + std::to_string(made), "-13-130");
-  EXPECT_TRUE(Content() == now);
+  EXPECT_EQ(appended + made, -26);
+  EXPECT_EQ(Content() + ReadFile("y.ini"), "\n[b]\nk=2\n");
 
   // There, but not for reading: it may have the section.
   fs::create_symlink("loop.ini", "loop.ini");

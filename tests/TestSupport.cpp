@@ -17,6 +17,7 @@ int __real_mkdir(const char* path, mode_t mode);
 int __real_fstat64(int descriptor, struct stat64* status);
 std::FILE* __real_fopen64(const char* path, const char* mode);
 int __real_fsync(int descriptor);
+std::size_t __real_fwrite_unlocked(const void* bytes, std::size_t size, std::size_t count, std::FILE* stream);
 int __real_fclose(std::FILE* stream);
 int __real_rename(const char* from, const char* to);
 
@@ -44,10 +45,6 @@ int __wrap_mkdir(const char* path, mode_t mode) {
 int __wrap_fstat64(int descriptor, struct stat64* status) {
   return fake.good_statuses-- > 0 ? __real_fstat64(descriptor, status) : __real_fstat64(-1, status);
 }
-std::FILE* __wrap_fopen64(const char* path, const char* mode) {
-  const fs::path beside = fs::path(fake.library_file).replace_filename(fs::path(path).filename());
-  return __real_fopen64(std::string(path).starts_with("/proc/") ? beside.c_str() : path, mode);
-}
 // Calls of a kind are told apart by their number: "fsync2".
 static bool NotedAndFails(const std::string& name) {
   std::string word = name;
@@ -58,7 +55,33 @@ static bool NotedAndFails(const std::string& name) {
   errno = EIO;
   return word == fake.failing_call;
 }
-int __wrap_fsync(int descriptor) { return NotedAndFails("fsync") ? -1 : __real_fsync(descriptor); }
+std::FILE* __wrap_fopen64(const char* path, const char* mode) {
+  constexpr std::string_view kFailsBehind = "fails behind:";
+  if (std::string(path).starts_with("/proc/")) {
+    return __real_fopen64(fs::path(fake.library_file).replace_filename(fs::path(path).filename()).c_str(),
+                          mode);
+  }
+  if (!NotedAndFails("open")) return __real_fopen64(path, mode);
+  if (!fake.other_file.starts_with(kFailsBehind)) return __real_fopen64(fake.other_file.c_str(), mode);
+  fake.other_file.erase(0, kFailsBehind.size());
+  return fopencookie(nullptr, "r",
+                     {[](void*, char* buffer, std::size_t size) -> ssize_t {
+                        const std::size_t count = std::exchange(fake.other_file, "").copy(buffer, size);
+                        return count != 0 ? static_cast<ssize_t>(count) : -1;
+                      },
+                      nullptr, nullptr, nullptr});
+}
+std::size_t __wrap_fwrite_unlocked(const void* bytes, std::size_t size, std::size_t count,
+                                   std::FILE* stream) {
+  const std::size_t written = __real_fwrite_unlocked(bytes, size, count, stream);
+  return NotedAndFails("write") ? 0 : written;
+}
+int __wrap_fsync(int descriptor) {
+  struct stat64 status {};
+  __real_fstat64(descriptor, &status);
+  if (fake.calls.find("fsync") == std::string::npos) fake.synced_size = status.st_size;
+  return NotedAndFails("fsync") ? -1 : __real_fsync(descriptor);
+}
 int __wrap_fclose(std::FILE* stream) {
   const int result = __real_fclose(stream);
   return NotedAndFails("fclose") ? EOF : result;

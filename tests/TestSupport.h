@@ -36,8 +36,11 @@ struct FakeSystem {
   std::string host = "box1", system_field = "unix";  // empty: cannot be read; the latter is every field
   unsigned long long blocks = 0;                     // of "/", of 4 KiB; 0: cannot be read
   int pid = 4242, tid = 4243;
-  // What brings files to the disk and gives them their names, one word a call, and which of them fails.
-  std::string calls, failing_call;
+  // What opens, writes, stores and names files, one word a call ("open fsync fsync2 "), and which of them
+  // fails. An open that fails opens other_file instead, or "fails behind:TEXT", which cannot be read behind
+  // TEXT.
+  std::string calls, failing_call, other_file;
+  long synced_size = -1;  // of the first file that was synced
   void SetClock(std::time_t second) { coarse_second = fine_second = second; }
 };
 inline FakeSystem fake;  // each test starts with a new one
