@@ -23,8 +23,7 @@ const INIFileRec null_ini_file = {};
 namespace {
 
 using vintra::ClosesLine;
-
-constexpr sint8 kBlanks[] = " \t";
+using vintra::kBlanks;
 
 // A byte that ends a line and is not part of it.
 bool EndsLine(sint8 byte) { return byte == '\n' || byte == '\r' || byte == '\0'; }
@@ -86,7 +85,7 @@ sint32 FileGetLine(FILE* file_in, sint8* str_buf, sint32 buf_len) {
 }
 
 sint8* string_trim_left(sint8* str_buf) {
-  if (str_buf == nullptr || (*str_buf != ' ' && *str_buf != '\t')) return str_buf;
+  if (str_buf == nullptr || (*str_buf != ' ' && *str_buf != '\t')) return str_buf;  // as nearly all lines
   const std::size_t blanks = std::strspn(str_buf, kBlanks);
   std::memmove(str_buf, str_buf + blanks, std::strlen(str_buf + blanks) + 1);
   return str_buf;
@@ -143,20 +142,12 @@ namespace {
 
 // False for a key that no lookup would find again, under the name that it has in a line.
 bool CanBeFound(std::string_view key) {
-  const sint8 refused[] = {SectionSymbolLeft,
-                           SectionSymbolRight,
-                           KeyValueSplitSign,
-                           NoteLineSign,
-                           ConnectLineSign,
-                           '\n',
-                           '\r',
-                           '\f',
-                           '\x1A'};
-  constexpr std::string_view kBlankBytes = kBlanks;
-  return KeyValueSplitSign != '\0' &&
-         key.find_first_of({refused, sizeof refused}) == std::string_view::npos &&
-         kBlankBytes.find(key.front()) == std::string_view::npos &&
-         kBlankBytes.find(key.back()) == std::string_view::npos;
+  const sint8 signs[] = {SectionSymbolLeft, SectionSymbolRight, KeyValueSplitSign, NoteLineSign,
+                         ConnectLineSign};
+  constexpr std::size_t kNone = std::string_view::npos;
+  return KeyValueSplitSign != '\0' && key.find_first_of({signs, sizeof signs}) == kNone &&
+         key.find_first_of("\n\r\f\x1A") == kNone && key.find_first_not_of(kBlanks) == 0 &&
+         key.find_last_not_of(kBlanks) == key.size() - 1;
 }
 
 }  // namespace

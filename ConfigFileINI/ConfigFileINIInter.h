@@ -11,6 +11,7 @@ namespace vintra {
 constexpr std::size_t kLineSize = VINTRA_INI_LINE_SIZE;
 constexpr sint32 kLongestLine = kLineSize - 1;  // characters
 constexpr std::size_t kIniPathSize = 260;
+constexpr sint8 kBlanks[] = " \t";
 
 // Results of the functions below. They stay inside this module.
 enum IniCode : sint32 {

@@ -154,7 +154,7 @@ bool GoesOn(const FileDescriptor& file, off_t size) {
   const ssize_t length = pread(file.get(), tail, sizeof tail, std::max<off_t>(size - off_t{sizeof tail}, 0));
   if (length <= 0) return false;
   const std::string_view text(tail, static_cast<std::size_t>(length));
-  const std::size_t last = text.find_last_not_of(" \t");
+  const std::size_t last = text.find_last_not_of(kBlanks);
   return last != std::string_view::npos && text[last] == ConnectLineSign;
 }
 
