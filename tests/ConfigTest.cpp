@@ -1,6 +1,7 @@
 // Log handles configured by a section of an INI file.
 #include "TestSupport.h"
 #include "VintraModule/LogConfig.h"
+#include "VintraModule/LogLevels.h"
 
 namespace {
 
@@ -10,19 +11,11 @@ class ConfigTest : public LogTest {
   static std::string Fields(const std::string& keys, const char* file = "x.ini",
                             const char* section = "log") {
     WriteFile("x.ini", "[log]\n" + keys);
-    LogConfigRecEx config{};
-    CheckValueFromConfig(&config, file, section);
-    std::string fields = config.log_file_name;
-    for (const uint32 number :
-         {uint32{config.log_level}, uint32{config.log_mode}, config.max_file_size, config.max_backup_index,
-          config.file_flush_size, config.log_time_span, config.log_encrypt}) {
-      fields += "|" + std::to_string(number);
-    }
-    for (const sint8* text :
-         {config.log_format, config.sysconf_format, config.module_name, config.PidandTid}) {
-      fields += "|"s + text;
-    }
-    return fields;
+    LogConfigRecEx record{};
+    CheckValueFromConfig(&record, file, section);
+    return Bars(record.log_file_name, record.log_level, record.log_mode, record.max_file_size,
+                record.max_backup_index, record.file_flush_size, record.log_time_span, record.log_encrypt,
+                record.log_format, record.sysconf_format, record.module_name, record.PidandTid);
   }
 };
 
@@ -42,47 +35,39 @@ TEST_F(ConfigTest, KeysAndDefaults) {
   const std::string all =
       "file_name=/l/a.log\nlevel=log_level_INFO\nmode=log_mode_date\nmax_file_size=10M\nmax_backup_index=3\n"
       "flush_size=4096\nformat=%N\ntime_span=7\nSysConfFormat=%O\nmodule_name=net\nPidAndTid=%P\nencrypt=0\n";
-  const std::string none = kName + kLevel + kMode + kSize + kFormat + kSystem + kModule + kProcess;
+  const std::string texts = kSystem + kModule + kProcess, sized = kName + kLevel + kMode + kSize;
+  const std::string nothing = "default.log|9|1|20971520|0|0|0|1|";
   // clang-format off
-  const struct { std::string keys, fields, messages; } cases[] = {  // of a key that occurs twice the first one counts
-      {all, "/l/a.log|3|3|10|3|4096|7|0|%N|%O|net|%P", ""}, {"", "default.log|9|1|20971520|0|0|0|1|%D%T%E%N|%N||%N", none},
-      {"mode=Log_Mode_Rollback\n" + all, "/l/a.log|3|2|10|3|4096|0|0|%N|%O|net|%P", ""},
+  const struct { std::string keys, fields, messages; const char *file = "x.ini", *section = "log"; } cases[] = {  // the first of two keys counts
+      {all, "/l/a.log|3|3|10|3|4096|7|0|%N|%O|net|%P", ""}, {"", nothing + "%D%T%E%N|%N||%N", sized + kFormat + texts},
+      {"mode=Log_Mode_Rollback\nlevel=log_level_disable\n" + all, "/l/a.log|9|2|10|3|4096|0|0|%N|%O|net|%P", ""},
       {"mode=LOG_MODE_SIMPLE\n" + all, "/l/a.log|3|1|10|0|4096|0|0|%N|%O|net|%P", ""},
       {"time_span=0\nmax_backup_index=x\nmax_file_size=-5\n" + all, "/l/a.log|3|3|20971520|20|4096|0|0|%N|%O|net|%P", kSize + kIndex + kSpan},
       {"format=null\nSysConfFormat=\nPidAndTid=\nmodule_name=\nlevel=\nmode=\n" + all, "/l/a.log|9|1|10|0|4096|0|0|%D%T%E%N|%N||%N",
-       kLevel + kMode + kFormat + kSystem + kModule + kProcess},
+       kLevel + kMode + kFormat + texts},
       {"level=" + Repeat("Info", 20) + "\nmode=Log_Mode_Dates\nflush_size=-1\nformat=\nencrypt=-1\n" + all, "/l/a.log|9|1|10|0|0|0|1||%O|net|%P",
        "LOG_MODULE_INIT log level(" + Repeat("Info", 20) + ") is invalid, use default level Log_Level_Disable\n"
-       "LOG_MODULE_INIT log mode(Log_Mode_Dates) is invalid, use default mode Log_Mode_Simple\n"}};
+       "LOG_MODULE_INIT log mode(Log_Mode_Dates) is invalid, use default mode Log_Mode_Simple\n"},
+      {all, nothing + "|%N||%N", sized + texts, ""}, {all, nothing + "|%N||%N", sized + texts, "x.ini", ""}};
   // clang-format on
-  for (const auto& [keys, fields, messages] : cases) {
-    EXPECT_EQ(Fields(keys), fields);
+  for (const auto& [keys, fields, messages, file, section] : cases) {
+    EXPECT_EQ(Fields(keys, file, section), fields);
     EXPECT_EQ(Errors(), messages);
   }
-  const char* const names[] = {"Trace", "Debug", "Info",  "Notice", "Warn",
-                               "Error", "Crit",  "Fatal", "Disable"};
-  for (int level = 1; level <= 9; ++level) {
-    EXPECT_EQ(Fields("level=Log_Level_"s + names[level - 1] + "\n" + all).substr(9, 1),
-              std::to_string(level));
-  }
-  EXPECT_EQ(Errors(), "");
-  EXPECT_EQ(Fields(all, ""), "default.log|9|1|20971520|0|0|0|1||%N||%N");
-  EXPECT_EQ(Fields(all, "x.ini", ""), "default.log|9|1|20971520|0|0|0|1||%N||%N");
-  const std::string no_format = kName + kLevel + kMode + kSize + kSystem + kModule + kProcess;
-  EXPECT_EQ(Errors(), no_format + no_format);
+  for (const auto& [level, word, tag] : vintra::kLevels)
+    EXPECT_EQ(Fields("level=Log_Level_"s + word + "\n" + all).substr(9, 1), std::to_string(level));
 }
 
 TEST_F(ConfigTest, TextsAtTheirWidths) {
   const std::string x259(259, 'x'), x64(64, 'x'), x63(63, 'x');
   // clang-format off
   const std::pair<std::string, std::string> file_names[] = {  // as set, as taken
-      {x259, x259}, {x259 + "x", "default.log"}, {"/var/log/app/", "/var/log/app/default.log"}, {"logs:", "logs:/default.log"},
-      {"a\\", "a\\default.log"}, {x259.substr(12) + "/", x259.substr(12) + "/default.log"}, {x259.substr(11) + "/", "default.log"},
-      {x259.substr(13) + ":", x259.substr(13) + ":/default.log"}, {x259.substr(12) + ":", "default.log"}, {"app.log", "app.log"}};
+      {x259, x259}, {x259 + "x", "default.log"}, {"logs:", "logs:/default.log"}, {"a\\", "a\\default.log"},
+      {x259.substr(12) + "/", x259.substr(12) + "/default.log"}, {x259.substr(11) + "/", "default.log"},
+      {x259.substr(13) + ":", x259.substr(13) + ":/default.log"}, {x259.substr(12) + ":", "default.log"}};
   // clang-format on
   for (const auto& [set, taken] : file_names) {
-    const std::string fields = Fields("file_name=" + set);
-    EXPECT_EQ(fields.substr(0, fields.find('|')), taken);
+    EXPECT_TRUE(Fields("file_name=" + set).starts_with(taken + "|")) << set;
     EXPECT_EQ(Errors().starts_with(kName), set != taken) << set;
   }
   EXPECT_TRUE(Fields("module_name=" + x63).ends_with("|" + x63 + "|%N"));
@@ -93,6 +78,7 @@ TEST_F(ConfigTest, TextsAtTheirWidths) {
 }
 
 TEST_F(ConfigTest, HandlesOfASection) {
+  const std::string longest(263, 's');
   WriteFile("log.ini",
             "[log]\nfile_name=logs/app.log\nlevel=Log_Level_Info\nmodule_name=net\nencrypt=0\n"
             "[dir]\nfile_name=.log\n[far]\nfile_name=" +
@@ -111,15 +97,14 @@ TEST_F(ConfigTest, HandlesOfASection) {
   EXPECT_EQ(start("log.ini", "far"), 9) << "too long behind the library's folder";
   EXPECT_EQ(LOG_MODULE_INIT("log.ini", "log", nullptr), 1);
   EXPECT_TRUE(Errors().ends_with("\nLOG_MODULE_INIT Invalid param:a_log_handle is null\n"));
-  WriteFile("null", "[null]\nfile_name=null.log\nlevel=Log_Level_Trace\n[" + std::string(263, 's') +
-                        "]\nlevel=Log_Level_Warn");
+  WriteFile("null",
+            "[null]\nfile_name=null.log\nlevel=Log_Level_Trace\n[" + longest + "]\nlevel=Log_Level_Warn");
   EXPECT_EQ(start(nullptr, nullptr), 0);
   EXPECT_TRUE(fs::exists("null.log"));
-  EXPECT_EQ(start("null", std::string(263, 's').c_str()), 0);
+  EXPECT_EQ(start("null", longest.c_str()), 0);
   EXPECT_EQ(LOG_LEVEL(handle_), Log_Level_Warn);
   Errors();
-  EXPECT_EQ(start("null", std::string(264, 's').c_str()), 9);
-  EXPECT_EQ(start(Repeat("/", 264).c_str(), "null"), 9);
+  EXPECT_EQ(start("null", (longest + "s").c_str()) + start(Repeat("/", 264).c_str(), "null"), 18);
   EXPECT_EQ(Errors(), Repeat("LOG_MODULE_INIT config_file or section has more than 263 characters.\n", 2));
 }
 

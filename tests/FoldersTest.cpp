@@ -1,47 +1,134 @@
-// Folder walks and whole files.
-#include <fcntl.h>
+// Paths, folder chains, folder walks and whole files.
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
-#include <unistd.h>
 
 #include <climits>
 
 #include "Common/Handles.h"
 #include "FolderModule/FolderModule.h"
+#include "FolderModule/LinuxFunc.h"
 #include "TestSupport.h"
 
 namespace {
 
 class FoldersTest : public LogTest {
  protected:
-  // Every entry below path, or those called name, each with a blank behind it and sorted. Asks for the size
-  // first, as a host does.
+  // Every entry below path, or those called name. Asks for the size first, as a host does.
   static std::string Walk(const std::string& path, const char* name = nullptr) {
     int size = 0, count = -1, total = 0;
     EXPECT_EQ(Call(path, name, nullptr, 0, size, count), -1);
     std::string bytes(static_cast<std::size_t>(size), '~');
     EXPECT_EQ(Call(path, name, bytes.data(), size, total, count), 1);
     EXPECT_EQ(total, size);
+    std::istringstream list(bytes);
     std::set<std::string> paths;
-    std::size_t at = 0;
-    for (; count > 0; --count) {
-      const std::string found = bytes.c_str() + at;
+    for (std::string found; std::getline(list, found, '\0');) {
       const std::string folder = found.substr(0, found.rfind('/'));
       EXPECT_TRUE(name != nullptr || folder.size() <= path.size() || paths.contains(folder)) << found;
       EXPECT_TRUE(paths.insert(found).second) << found;
-      at += found.size() + 1;
     }
-    EXPECT_EQ(at, bytes.size());
-    return std::accumulate(paths.begin(), paths.end(), ""s,
-                           [](const auto& text, const auto& found) { return text + found + " "; });
+    EXPECT_EQ(paths.size(), count);
+    EXPECT_TRUE(bytes.empty() || bytes.back() == '\0');
+    return Listed(paths);
   }
   static int Call(const std::string& path, const char* name, char* files, int length, int& total,
                   int& count) {
     return name == nullptr ? TraversalFolder(path.c_str(), files, length, &total, &count)
                            : FindPathByFileName(path.c_str(), name, files, length, &total, &count);
   }
+  static std::string Entries() {
+    std::set<std::string> entries;
+    for (const auto& entry : fs::recursive_directory_iterator("."))
+      entries.insert(entry.path().string().substr(2));
+    return Listed(entries);
+  }
 };
+
+TEST_F(FoldersTest, PathsApartAndTogetherAndNamedFolders) {
+  const std::string folder = "/" + std::string(256, 'l') + "/";
+  // clang-format off
+  constexpr std::pair<const char*, const char*> kSplits[] = {  // path, drive|dir|fname|ext
+      {"/var/log/app/run.log", "/|var/log/app/|run|.log"}, {"logs/app.log", "|logs/|app|.log"}, {"app.log", "||app|.log"},
+      {"/app.log", "/||/app|.log"}, {"/", "/||/|"}, {"logs/", "|logs/||"}, {"/var/log/", "/|var/log/||"}, {"a.b/c", "|a.b/|c|"},
+      {"a.b.c", "||a.b|.c"}, {".hidden", "|||.hidden"}, {"file.", "||file|."}, {"d/.hidden", "|d/||.hidden"}, {"..", "||.|."},
+      {"//x//y.z", "/|/x//|y|.z"}, {"a\\b\\c.txt", "|a\\b\\|c|.txt"}, {"\\a", "|\\|a|"}};
+  constexpr const char* kJoins[][5] = {  // drive, dir, fname, ext, path
+      {nullptr, "/var/log/", "app", ".log", "/var/log/app.log"}, {nullptr, "logs", "app", "", "logs/app"},
+      {nullptr, "/var/log", "app", ".log", "/var/log/app.log"}, {nullptr, nullptr, "run", ".log", "run.log"},
+      {nullptr, "logs/", "app", "log", "logs/applog"}, {nullptr, "a\\", "f", nullptr, "a\\f"}, {"C", "dir", "f", ".x", "C:/dir/f.x"},
+      {"C:", "/dir/", "f", nullptr, "C:/dir/f"}, {"D", nullptr, "f", ".x", "D:f.x"}, {"D", "", "f", ".x", "D:/f.x"}, {"", "", "f", ".x", "f.x"},
+      {"/", "var/log/", "app", ".log", "/:/var/log/app.log"}};
+  const std::pair<std::string, std::string> libraries[] = {
+      {"/opt/app/lib/libx.so", "/opt/app/lib/"}, {"./libx.so", "./"}, {"/libx.so", "old"}, {"x", "old"}, {folder + "x", folder},
+      {folder + "xx", "old"}};
+  // clang-format on
+  char drive[2], dir[32], fname[32], ext[32], joined[32];
+  for (const auto& [path, parts] : kSplits) {
+    SplitPath(path, drive, dir, fname, ext);
+    EXPECT_EQ(Bars(drive, dir, fname, ext), parts) << path;
+    SplitPath(path, nullptr, nullptr, nullptr, nullptr);
+  }
+  SplitPath("", drive, dir, fname, ext);
+  SplitPath(nullptr, drive, dir, fname, ext);
+  EXPECT_STREQ(fname, "a") << "left as it was";
+  for (const auto& [drive_part, dir_part, fname_part, ext_part, expected] : kJoins) {
+    MakePath(joined, drive_part, dir_part, fname_part, ext_part);
+    EXPECT_STREQ(joined, expected);
+  }
+  MakePath(nullptr, "a", "b", "c", "d");
+
+  for (const auto& [library, named] : libraries) {
+    fake.library_file = library;
+    char text[260] = "old";
+    EXPECT_EQ(GetDLLDir(text), named);
+  }
+  EXPECT_EQ(GetModuleDir(nullptr), GetDLLDir(nullptr));
+}
+
+TEST_F(FoldersTest, MakesWhatIsMissingAndTakesBackWhatItMade) {
+  MakeFile("file", 0);
+  fs::create_directory("old");
+  fs::create_symlink("nowhere", "dangling");
+  const std::string before = Entries();
+  const std::string name(248, 'd'), top = "old/" + name.substr(48), below = top + "/" + name.substr(205);
+  // clang-format off
+  const struct { std::string path; int code; std::string top = {}, made = {}; } cases[] = {
+      {"logs/daily/", 1, "logs", "dangling file logs logs/daily old "}, {"logs\\\\a//b", 1, "logs", "dangling file logs logs/a logs/a/b old "},
+      {"/" + folder_ + "a/b", 1, "a", "a a/b dangling file old "}, {below, 1, top, before + top + " " + below + " "},
+      {name, 1, name, "dangling " + name + " file old "}, {"old", 1}, {"/", 1}, {"///", 1}, {"file", 1}, {below + "d", 0}, {name + "d", 0}, {"", 0},
+      {"file/x", 0}, {"C:/logs", 0}, {"dangling", 0}, {"old/new/../../file/x", 0}, {"new/../file/x", 0}};
+  // clang-format on
+  for (const auto& row : cases) {
+    EXPECT_EQ(CreateMulDir(row.path.c_str()), row.code) << row.path;
+    EXPECT_EQ(Entries(), row.made.empty() ? before : row.made);
+    fs::remove_all(row.top);
+  }
+  EXPECT_EQ(CreateMulDir(nullptr), 0);
+}
+
+TEST_F(FoldersTest, ALevelThatAnotherProcessMakesIsThereAndStays) {
+  fake.folder_race = true;
+  EXPECT_EQ(CreateMulDir("a/b"), 1);
+  MakeFile("a/file", 0);
+  EXPECT_EQ(CreateMulDir("a/c/../file/d"), 0);
+  EXPECT_EQ(Entries(), "a a/b a/c a/file ");
+}
+
+TEST_F(FoldersTest, ExportedSteps) {
+  char parent[261] = "./", rest[] = "//z", text[261];
+  MakeFile("f", 0);
+  EXPECT_EQ(CreateChildDir(parent, "x/y"), 1);
+  EXPECT_EQ(CreateChildDir(parent, std::string(246, 'd').c_str()), 0);
+  for (const int length : {-1, 2, 3, 4}) EXPECT_EQ(RecursiveCreateDir(rest, parent, length), length == 3);
+  EXPECT_EQ(CreateChildDir(std::strcpy(parent, "x/"), "new/../../f/x"), 0);
+  EXPECT_STREQ(parent, "x/") << "made, taken back and cut off";
+  EXPECT_EQ(Entries(), "f x x/y x/z ");
+  for (const int length : {259, 260}) {
+    std::string path(static_cast<std::size_t>(length), 'r');
+    EXPECT_EQ(SetRootDir(path.data(), path.data(), text), length == 259 ? 259 : 0);
+  }
+}
 
 TEST_F(FoldersTest, WalksAndSearches) {
   fs::create_directories("a/b/.c/x");
@@ -56,8 +143,7 @@ TEST_F(FoldersTest, WalksAndSearches) {
 
   EXPECT_EQ(Walk("a"), "a/.h a/b a/b/.c a/b/.c/X a/b/.c/x a/b/f a/b/x a/b/y a/l a/s a/x ");
   EXPECT_EQ(Walk("a/b/.c/"), "a/b/.c//X a/b/.c//x ");
-  EXPECT_EQ(Walk("a/l"), "a/l/.c a/l/.c/X a/l/.c/x a/l/f a/l/x a/l/y ")
-      << "a link that is asked for is followed";
+  EXPECT_EQ(Walk("a/l"), "a/l/.c a/l/.c/X a/l/.c/x a/l/f a/l/x a/l/y ") << "a link that is asked for";
   // clang-format off
   const std::pair<const char*, const char*> kSearches[] = {
       {"x", "a/b/x a/x "}, {"b", ""}, {"l", "a/l "}, {"f", "a/b/f "}, {"s", ""}, {".h", "a/.h "}, {"X", "a/b/.c/X "}, {"", ""}, {"a/x", ""}};
@@ -80,20 +166,17 @@ TEST_F(FoldersTest, WalksKeepToTheCallersBuffer) {
     int size = before, count = -1;
     EXPECT_EQ(Call("a", nullptr, files.data(), length, size, count), code);
     std::replace(files.begin(), files.end(), '\0', '|');
-    EXPECT_EQ(files, bytes);
-    EXPECT_EQ(size, after);
-    EXPECT_EQ(count, 2);
+    EXPECT_EQ(Bars(files, size, count), Bars(bytes, after, 2));
   }
   char byte = '~';
   int size = 0, count = -1;
   EXPECT_EQ(Call("a", "none", &byte, 0, size, count), 1);
   EXPECT_EQ(Call("missing", nullptr, &byte, 1, size, count) + byte, 1) << "filled with NUL";
   count = 7;
-  EXPECT_EQ(
-      TraversalFolder(nullptr, &byte, 1, &size, &count) + TraversalFolder("a", &byte, 1, nullptr, &count), 0);
-  EXPECT_EQ(FindPathByFileName("a", nullptr, &byte, 1, &size, &count) +
-                TraversalFolder("a", &byte, 1, &size, nullptr),
-            0);
+  EXPECT_EQ(TraversalFolder(nullptr, &byte, 1, &size, &count), 0);
+  EXPECT_EQ(TraversalFolder("a", &byte, 1, nullptr, &count), 0);
+  EXPECT_EQ(TraversalFolder("a", &byte, 1, &size, nullptr), 0);
+  EXPECT_EQ(FindPathByFileName("a", nullptr, &byte, 1, &size, &count), 0);
   fake.failing_allocation = fake.allocations + 1;
   EXPECT_EQ(Call("a", nullptr, &byte, 1, size, count), -1);
   fake.failing_allocation = fake.allocations + 2;  // when the list has to grow
@@ -123,41 +206,35 @@ TEST_F(FoldersTest, WholeFiles) {
   // clang-format off
   const struct { const char *file, *mode; int length, code; std::string after; } writes[] = {
       {"f", "w", 5, 1, text}, {"f", "a", 2, 1, text + "a\0"s}, {"f", "r+", 1, 1, text + "a\0"s}, {"f", "r", 1, 0, text + "a\0"s},
-      {"f", "w", -1, 0, text + "a\0"s}, {"f", "?", 1, 0, text + "a\0"s}, {"f", "w", 0, 0, ""}, {"no/f", "w", 1, 0, ""}, {"f", "w", 5, 1, text}};
+      {"f", "w", -1, 0, text + "a\0"s}, {"f", "?", 1, 0, text + "a\0"s}, {"f", "w", 0, 0, ""}, {"no/f", "w", 1, 0, ""},
+      {"/dev/full", "w", 1, 0, ""}, {nullptr, "w", 1, 0, ""}, {"f", nullptr, 1, 0, ""}, {"f", "w", 5, 1, text}};
   const struct { const char* file; int length, code, size; std::string bytes; } reads[] = {
-      {"f", 5, 1, 5, text + "\0~~"s}, {"f", 6, 1, 5, text + "\0~~"s}, {"f", 4, -1, 5, "~~~~~~~~"}, {"f", 0, -1, 5, "~~~~~~~~"}, {"f", -1, -1, 5, "~~~~~~~~"},
-      {"empty", 0, 1, 0, "\0~~~~~~~"s}, {"empty", -1, -1, 0, "~~~~~~~~"}, {"none", 5, 0, 77, "~~~~~~~~"}, {".", 5, 0, 77, "~~~~~~~~"},
-      {"/proc/version", 5, 1, 5, "Linux\0~~"s},  // has bytes and tells of none, like a file that grows
+      {"f", 5, 1, 5, text + "\0~~"s}, {"f", 6, 1, 5, text + "\0~~"s}, {"f", 4, -1, 5, "~~~~~~~~"}, {"f", 0, -1, 5, "~~~~~~~~"},
+      {"f", -1, -1, 5, "~~~~~~~~"}, {"empty", 0, 1, 0, "\0~~~~~~~"s}, {"empty", -1, -1, 0, "~~~~~~~~"}, {"none", 5, 0, 77, "~~~~~~~~"},
+      {".", 5, 0, 77, "~~~~~~~~"}, {nullptr, 5, 0, 77, "~~~~~~~~"},
+      {"/proc/version", 5, 1, 5, "Linux\0~~"s},  // tells of no bytes, like a file that grows
       {"big", 5, -1, INT_MAX, "~~~~~~~~"}, {"big", INT_MAX, -1, INT_MAX, "~~~~~~~~"}};
   // clang-format on
   for (const auto& [file, mode, length, code, after] : writes) {
-    EXPECT_EQ(CustomWriteFile(file, mode, text.data(), length), code) << mode;
-    EXPECT_EQ(ReadFile("f"), after) << mode;
+    EXPECT_EQ(CustomWriteFile(file, mode, text.data(), length), code);
+    EXPECT_EQ(ReadFile("f"), after) << length;
   }
-  EXPECT_EQ(CustomWriteFile("/dev/full", "w", "a", 1), 0);
-  EXPECT_EQ(CustomWriteFile(nullptr, "w", "a", 1) + CustomWriteFile("f", nullptr, "a", 1) +
-                CustomWriteFile("f", "w", nullptr, 1),
-            0);
-
+  EXPECT_EQ(CustomWriteFile("f", "w", nullptr, 1), 0);
   MakeFile("empty", 0);
   MakeFile("big", std::uintmax_t{1} << 31);
   for (const auto& [file, length, code, size, bytes] : reads) {
     std::string seen(8, '~');
     int real_length = 77;
     errno = ENXIO;
-    EXPECT_EQ(CustomReadFile(file, seen.data(), length, &real_length), code) << file << length;
-    EXPECT_EQ(seen, bytes) << file << length;
-    EXPECT_EQ(real_length, size) << file << length;
+    EXPECT_EQ(CustomReadFile(file, seen.data(), length, &real_length), code) << length;
+    EXPECT_EQ(Bars(seen, real_length), Bars(bytes, size)) << length;
     EXPECT_TRUE(code == 0 || errno == ENXIO);
   }
-  char byte = '~';
+  char bytes[9];
   int size = 77;
-  EXPECT_EQ(CustomReadFile(nullptr, &byte, 1, &size) + CustomReadFile("f", nullptr, 9, &size) +
-                CustomReadFile("f", &byte, 0, nullptr),
-            0);
+  EXPECT_EQ(CustomReadFile("f", nullptr, 9, &size) + CustomReadFile("f", bytes, 9, nullptr), 0);
   fake.good_statuses = 0;
-  EXPECT_EQ(CustomReadFile("f", &byte, 0, &size), 0);
-  EXPECT_EQ(size, 77);
+  EXPECT_EQ(CustomReadFile("f", bytes, 9, &size) + size, 77);
 }
 
 }  // namespace

@@ -1,6 +1,4 @@
 // The bytes of a record and of a line of the error log, and what a record costs.
-#include <cerrno>
-
 #include "TestSupport.h"
 #include "VintraModule/ErrLog.h"
 #include "VintraModule/VintraModuleInter.h"
@@ -13,23 +11,21 @@ using LogLineTest = LogTest;
 
 TEST_F(LogLineTest, LayoutAndScrambling) {
   // clang-format off
-  constexpr struct { const char *format, *module_name, *source_file; bool separated; const char* line; } kRows[] = {
-      {"%D%T%E%N%C", "", nullptr, true, "2026-11-16 13:24:14.007 [INFO]    disk full"},
-      {"%C%N%L%F%E%T%D", "net", "/src/net/main.src", true,
-       "2026-11-16 13:24:14.007 [INFO]  net  [main.src] [42] disk full"},
-      {"%F%L%C", "net", nullptr, false, "net  disk full"}, {"%L%C", "", "a/b.c/", false, "  [42] disk full"},
-      {"%F%C", "", "conn.src", false, "  [conn.src] disk full"}, {"%d%t%%D%C%", "", nullptr, false, "  disk full"},
-      {"%E%D%C", "", nullptr, false, "2026-11-16 [INFO]    disk full"}, {"N %C %  ", "", "c", false, "  disk full"},
-      {"%   Dtext%C", "", nullptr, false, "2026-11-16   disk full"}, {"", "", nullptr, true, "  disk full"}};
+  constexpr struct { const char *format, *module_name, *source_file, *separator, *line; } kRows[] = {
+      {"%D%T%E%N%C", "", nullptr, "\r\n", "2026-11-16 13:24:14.007 [INFO]    disk full"},
+      {"%C%N%L%F%E%T%D", "net", "/src/net/main.src", "\r\n", "2026-11-16 13:24:14.007 [INFO]  net  [main.src] [42] disk full"},
+      {"%F%L%C", "net", nullptr, "", "net  disk full"}, {"%L%C", "", "a/b.c/", "", "  [42] disk full"},
+      {"%F%C", "", "conn.src", "", "  [conn.src] disk full"}, {"%d%t%%D%C%", "", nullptr, "", "  disk full"},
+      {"%E%D%C", "", nullptr, "", "2026-11-16 [INFO]    disk full"}, {"N %C %  ", "", "c", "", "  disk full"},
+      {"%   Dtext%C", "", nullptr, "", "2026-11-16   disk full"}, {"", "", nullptr, "\r\n", "  disk full"}};
   // clang-format on
   for (const uint32 encrypt : {0U, 2U, 1U}) {
-    for (const auto& row : kRows) {
-      if (*row.format == '\0') fs::remove("app.log");  // only "%C" empties a file
-      Open({.format = row.format, .encrypt = encrypt, .module = row.module_name});
-      EXPECT_EQ(SourceInfo(handle_, row.source_file, 42), handle_);
+    for (const auto& [format, module_name, source_file, separator, line] : kRows) {
+      if (*format == '\0') fs::remove("app.log");  // only "%C" empties a file
+      Open({.format = format, .encrypt = encrypt, .module = module_name});
+      EXPECT_EQ(SourceInfo(handle_, source_file, 42), handle_);
       for (int record = 0; record < 2; ++record) EXPECT_EQ(LOG_INFO(handle_, "disk %s", "full"), 0);
-      const std::string text = std::string(row.line).append(row.separated ? "\r\n" : "").append(row.line);
-      EXPECT_EQ(encrypt == 1 ? Unscrambled(Log()) : Log(), text) << row.format;
+      EXPECT_EQ(encrypt == 1 ? Unscrambled(Log()) : Log(), line + (separator + std::string(line))) << format;
     }
   }
 }
@@ -39,9 +35,8 @@ TEST_F(LogLineTest, SourcePositionStaysUntilTheNextOneAndIsBounded) {
   SourceInfo(handle_, "other.c", 0);
   SourceInfo(handle_, "", 9);
   LOG_INFO(handle_, "|");
-  const std::string line = std::to_string(__LINE__ + 1);
   LOG_INFO(VINTRA_HERE(handle_), "|");
-  const std::string date = "2026-11-16   [";  // its switch lies behind the name
+  const std::string date = "2026-11-16   [", line = std::to_string(__LINE__ - 1);
   EXPECT_EQ(Log(), date + std::string(63, 'n') + "] [7] |" + date + "LogLineTest.cpp] [" + line + "] |");
   EXPECT_EQ(SourceInfo(null_log_handle, "a.c", 1), null_log_handle);
 }
@@ -52,7 +47,6 @@ TEST_F(LogLineTest, LevelsTagsAndThresholds) {
   const std::string words[] = {"TRACE", "DEBUG", "INFO", "NOTICE", "WARN", "ERROR", "CRIT", "FATAL"};
   char text[] = "x";
   for (uint32 threshold = 1; threshold <= 9; ++threshold) {
-    const bool disabled = threshold == 9;
     fs::remove_all("sub");
     EXPECT_EQ(LOG_LEVEL(Open({.format = "%E", .name = "sub/app.log", .level = threshold})), threshold);
     std::string expected;
@@ -63,16 +57,14 @@ TEST_F(LogLineTest, LevelsTagsAndThresholds) {
     }
     EXPECT_EQ(fake.allocations, static_cast<int>(9 - threshold)) << "one for a record, none if dropped";
     EXPECT_EQ(threshold == 1 ? 0 : LogRecord(handle_, "Trace", "%s", text), 0);
-    EXPECT_EQ(LogRecord(handle_, "info", "%s", text), disabled ? 1 : 0);
-    if (!disabled) expected += "  x";  // an unknown word passes, without a tag
-    EXPECT_EQ(ReadFile("sub/app.log"), expected);
-    EXPECT_EQ(fs::exists("sub"), !disabled);
-    EXPECT_EQ(LOG_MSG_FLUSH(handle_), 0);
+    EXPECT_EQ(LogRecord(handle_, "info", "%s", text) + LOG_MSG_FLUSH(handle_), threshold / 9);
+    EXPECT_EQ(ReadFile("sub/app.log"), threshold == 9 ? "" : expected + "  x") << "an unknown word passes";
+    EXPECT_EQ(fs::exists("sub"), threshold != 9);
   }
 }
 
 TEST_F(LogLineTest, MessagesOfAnyLengthUnderTheHostsErrno) {
-  constexpr std::tuple<int, int, int> kCases[] = {
+  constexpr std::tuple<uint32, int, int> kCases[] = {
       // length, allocations, the one that fails
       {0, 1, 0}, {998, 1, 0}, {999, 2, 0}, {5000, 2, 0}, {200000, 2, 0}, {5000, 1, 1}, {5000, 2, 2}};
   for (const auto& [length, allocations, failing] : kCases) {
@@ -80,10 +72,9 @@ TEST_F(LogLineTest, MessagesOfAnyLengthUnderTheHostsErrno) {
     fake.allocations = 0;
     fake.failing_allocation = failing;
     errno = ENOENT;
-    EXPECT_EQ(LOG_INFO(handle_, "%*s%m", length, ""), failing == 0 ? 0 : 2);
+    EXPECT_EQ(LOG_INFO(handle_, "%*s%m", static_cast<int>(length), ""), failing == 0 ? 0 : 2);
     EXPECT_EQ(fake.allocations, allocations);
-    const std::string blanks(static_cast<std::size_t>(length) + 2, ' ');
-    EXPECT_EQ(Log(), failing == 0 ? blanks + "No such file or directory" : "");
+    EXPECT_EQ(Log(), failing == 0 ? Repeat(" ", length + 2) + "No such file or directory" : "");
     EXPECT_EQ(Record().file_size, Log().size());
   }
 }
@@ -94,8 +85,7 @@ TEST_F(LogLineTest, RefusedRecordsLeaveNothingBehind) {
   LogHandleRec not_live{};
   for (LOGHANDLE handle : {reinterpret_cast<LOGHANDLE>(&not_live), null_log_handle}) {
     LOG_MODULE_DESTORY(&handle);
-    EXPECT_EQ(std::pair(LOG_INFO(handle, "x"), LOG_MSG_FLUSH(handle)), std::pair(1, 1));
-    EXPECT_EQ(LOG_LEVEL(handle), Log_Level_Disable);
+    EXPECT_EQ(Bars(LOG_INFO(handle, "x"), LOG_MSG_FLUSH(handle), LOG_LEVEL(handle)), "1|1|9");
   }
   LOG_MODULE_DESTORY(nullptr);
   EXPECT_EQ(LOG_INFO(Open({}), no_format), 1);
@@ -108,33 +98,32 @@ TEST_F(LogLineTest, RefusedRecordsLeaveNothingBehind) {
 
 TEST_F(LogLineTest, OneInstantPerStampAndNeverASecondBack) {
   // clang-format off
-  constexpr struct { std::time_t fine, coarse; const char* stamp; unsigned short millisecond; bool told = true;
-                     sint32 code = 0; const char* zone = "UTC"; } kCases[] = {  // told by tzset of a new time zone
+  constexpr struct { std::time_t fine, coarse; const char* stamp; unsigned short millisecond; bool told = true; sint32 code = 0;
+                     const char* zone = "UTC"; } kCases[] = {  // told by tzset of a new time zone
       {0, 0, "13:24:14.999", 999}, {1, 0, "13:24:15.002", 2},  // time() lags
       {1, 2, "13:24:15.999", 999}, {5, 2, "13:24:16.000", 0},  // the second turned in between; time() rules
       {9, 9, "13:24:23.007", 7}, {8, 8, "13:24:23.900", 900},  // the clock is stepped back by one second
-      {-3600, -3600, "12:24:14.000", 0}, {-1 - kStart, -1 - kStart, "", 0, true, 12},
-      {kNoYear, kNoYear, "", 0, true, 10}, {0, 0, "", 1000, true, 10}, {0, 0, "13:24:14.007", 7},
+      {-3600, -3600, "12:24:14.000", 0}, {-1 - kStart, -1 - kStart, "", 0, true, 12}, {kNoYear, kNoYear, "", 0, true, 10},
+      {0, 0, "", 1000, true, 10}, {0, 0, "13:24:14.007", 7},
       // Another time zone within the second, and one that is noticed at the next second by itself.
       {0, 0, "15:24:14.007", 7, true, 0, "XST-2"}, {1, 1, "16:24:15.007", 7, false, 0, "XST-3"}};
   // clang-format on
   Open({"%T%E"});
   std::string expected;
-  for (const auto& row : kCases) {
-    fake.fine_second = kStart + row.fine;
-    fake.coarse_second = kStart + row.coarse;
-    fake.millisecond = row.millisecond;
-    setenv("TZ", row.zone, 1);
-    if (row.told) tzset();
-    EXPECT_EQ(LOG_INFO(handle_, "x"), row.code);
-    if (row.code == 0) expected += std::string(row.stamp) + " [INFO]    x";
+  for (const auto& [fine, coarse, stamp, millisecond, told, code, zone] : kCases) {
+    fake.SetClock(kStart + coarse);
+    fake.fine_second = kStart + fine;
+    fake.millisecond = millisecond;
+    setenv("TZ", zone, 1);
+    if (told) tzset();
+    EXPECT_EQ(LOG_INFO(handle_, "x"), code);
+    if (code == 0) expected += stamp + " [INFO]    x"s;
   }
   char text[] = "x";
   EXPECT_EQ(LogMsg(&Record(), std::string(1020, 't').c_str(), text), 10);
   EXPECT_EQ(Log(), expected);
   EXPECT_EQ(Errors(),
-            "logMsgWriteFile strftime failed(errorcode:0).\n"
-            "logMsgWriteFile strftime sprintf(errorcode:-1).\n"
+            "logMsgWriteFile strftime failed(errorcode:0).\nlogMsgWriteFile strftime sprintf(errorcode:-1).\n"
             "logMsgWriteFile sprintf failed(errorcode:-1).\n");
 }
 
@@ -151,16 +140,14 @@ TEST_F(LogLineTest, ErrorLog) {
     EXPECT_EQ(PrintErrLog("w.src", 1, "x"), code);
   }
   EXPECT_EQ(ReadFile("LogModuleErrMsg.log"), expected + ".007  Errlog:w.src(1) x\n");
-}
 
-TEST_F(LogLineTest, ErrorLogWithoutRoomOrFolder) {
-  for (const std::size_t length : {235U, 236U}) fs::create_directory(std::string(length, 'l'));
-  for (const std::size_t length :
-       {234U, 235U, 236U}) {  // of a folder that is missing, and of two that are there
-    fake.library_file = std::string(length, 'l') + "/x.so";
-    EXPECT_EQ(PrintErrLog("w.src", 1, "x") > 0, length == 235);
+  const std::string missing(234, 'l'), longest(235, 'l'), longer(236, 'l');
+  for (const std::string& folder : {missing, longest, longer}) {
+    if (folder != missing) fs::create_directory(folder);
+    fake.library_file = folder + "/x.so";
+    EXPECT_EQ(PrintErrLog("w.src", 1, "x") > 0, folder == longest);
   }
-  EXPECT_TRUE(fs::is_empty(std::string(236, 'l')) && !fs::is_empty(std::string(235, 'l')));
+  EXPECT_TRUE(fs::is_empty(longer) && !fs::is_empty(longest));
 }
 
 }  // namespace

@@ -1,11 +1,7 @@
 // When a file is emptied, left, removed and flushed, and what happens when it cannot be.
-#include <fcntl.h>
 #include <stdio_ext.h>
-#include <unistd.h>
 
-#include <cerrno>
-#include <vector>
-
+#include "Common/Handles.h"
 #include "TestSupport.h"
 #include "VintraModule/Retention.h"
 #include "VintraModule/VintraModuleInter.h"
@@ -21,17 +17,14 @@ const std::pair<LogMode, std::string> kModes[] = {
     {Log_Mode_Simple, "app"}, {Log_Mode_Rollback, "app"}, {Log_Mode_Date, "app_20261116_"}};
 
 TEST_F(RotationTest, ModesFillTheFirstFileWithRoomAndMoveOnAtTheirLimit) {
-  using Sizes = std::vector<std::uintmax_t>;
   // clang-format off
-  const struct { uint32 ring; Sizes found, records, left; const char* format = "none"; } cases[] = {
+  const struct { uint32 ring; std::vector<std::uintmax_t> found, records, left; const char* format = "none"; } cases[] = {
       // A ring of 99: the simple mode. Sizes are those of the files 000, 001, 002, and of what is written.
-      {99, {0}, {99, 3}, {102}}, {99, {0}, {99, 3, 100}, {100}}, {99, {0}, {100, 10}, {10}},
-      {99, {0}, {3}, {3}, "%N"}, {99, {99}, {3}, {104}, "%N"}, {99, {100}, {3}, {3}, "%N"},
-      {99, {99}, {3}, {3}, "%N%C"}, {99, {(1ULL << 32) + 10}, {3}, {3}}, {20, {}, {}, {0}},
-      {20, {100, 250, 99}, {2}, {100, 250, 101}}, {20, {99, 0}, {2, 3}, {101, 3}}, {2, {100}, {5}, {100, 5}},
-      {2, {100, 101, 5}, {7}, {7, 101, 5}}, {1, {100}, {}, {0}}, {20, {100, 5}, {}, {0, 5}, "%C"},
-      {0, {150, 5}, {}, {0, 5}}, {0, {50}, {}, {50}}, {3, {0, 7}, {40, 60, 10}, {110, 7}},
-      {3, {0, 7}, {101, 102, 103, 9}, {9, 102, 103}}, {3, {101, 102, 3}, {98, 4}, {4, 102, 101}},
+      {99, {0}, {99, 3}, {102}}, {99, {0}, {99, 3, 100}, {100}}, {99, {0}, {100, 10}, {10}}, {99, {0}, {3}, {3}, "%N"},
+      {99, {99}, {3}, {104}, "%N"}, {99, {100}, {3}, {3}, "%N"}, {99, {99}, {3}, {3}, "%N%C"}, {99, {(1ULL << 32) + 10}, {3}, {3}},
+      {20, {}, {}, {0}}, {20, {100, 250, 99}, {2}, {100, 250, 101}}, {20, {99, 0}, {2, 3}, {101, 3}}, {2, {100}, {5}, {100, 5}},
+      {2, {100, 101, 5}, {7}, {7, 101, 5}}, {1, {100}, {}, {0}}, {20, {100, 5}, {}, {0, 5}, "%C"}, {0, {150, 5}, {}, {0, 5}}, {0, {50}, {}, {50}},
+      {3, {0, 7}, {40, 60, 10}, {110, 7}}, {3, {0, 7}, {101, 102, 103, 9}, {9, 102, 103}}, {3, {101, 102, 3}, {98, 4}, {4, 102, 101}},
       {1, {}, {101, 9}, {9}}, {0, {}, {101, 102, 9}, {101, 102, 9}}};
   // clang-format on
   for (const auto& [mode, front] : kModes) {
@@ -59,17 +52,14 @@ TEST_F(RotationTest, DateModeFollowsTheDayOfTheStampAndRemovesFilesAtEveryRoll) 
   const std::string full = "app_20261116_000.log:126 app_20261117_000.log:500 ";  // due for a roll
   // A file of the 14th is removed by a roll, but not by a record alone.
   // clang-format off
-  const struct { std::time_t clock; const char* text; std::string files;
-                 sint32 code = 0; bool old = false; } steps[] = {
-      {-1, "x", full, 12}, {kNoYear, "x", full, 12}, {std::time_t{1} << 43, "x", full, 12},
-      {-(std::time_t{1} << 43), "x", full, 12}, {kMidnight - 1, "late", later + "500 ", 0, true},
-      {kMidnight, "early", later + "31 "},
-      {kMidnight, "again", old + ":5 " + later + "64 ", 0, true},
-      {kMidnight - 60, "back", "app_20261116_000.log:30 " + both + "64 "}};  // set back: another day again
+  const struct { std::time_t clock; const char* text; std::string files; sint32 code = 0; bool old = false; } steps[] = {
+      {-1, "x", full, 12}, {kNoYear, "x", full, 12}, {std::time_t{1} << 43, "x", full, 12}, {-(std::time_t{1} << 43), "x", full, 12},
+      {kMidnight - 1, "late", later + "500 ", 0, true}, {kMidnight, "early", later + "31 "},
+      {kMidnight, "again", old + ":5 " + later + "64 ", 0, true}, {kMidnight - 60, "back", "app_20261116_000.log:30 " + both + "64 "}};
   // clang-format on
   const Settings settings{"%D%T%N", 0, 100, "app.log", Log_Mode_Date, 2, 2};
   const LogConfigRecEx config = settings.Config();
-  for (const std::string& file : {old, std::string("app_20261117_000.log")}) MakeFile(file, 500);
+  for (const char* file : {old.c_str(), "app_20261117_000.log"}) MakeFile(file, 500);
   fake.SetClock(kMidnight - 2);
   EXPECT_EQ(LOG_INFO(Open(settings), "%100s", ""), 0);
   for (const auto& row : steps) {
@@ -80,9 +70,9 @@ TEST_F(RotationTest, DateModeFollowsTheDayOfTheStampAndRemovesFilesAtEveryRoll) 
     EXPECT_EQ(Files(), row.files) << row.text;
     EXPECT_EQ(row.code != 0 ? LOG_MODULE_INIT_New_Ex(&config, &written_) : 0, row.code);
   }
-  EXPECT_EQ(ReadFile("app_20261116_001.log"), "2026-11-16 23:59:59.007   late");
-  EXPECT_EQ(ReadFile("app_20261117_000.log"),
-            "2026-11-17 00:00:00.007   early\r\n2026-11-17 00:00:00.007   again");
+  const std::string night = "2026-11-17 00:00:00.007   ";
+  EXPECT_EQ(ReadFile("app_20261116_001.log") + ReadFile("app_20261117_000.log"),
+            "2026-11-16 23:59:59.007   late" + night + "early\r\n" + night + "again");
   EXPECT_EQ(written_, handle_) << "as it was before the failures";
   EXPECT_EQ(Errors(), "");
 }
@@ -101,74 +91,60 @@ TEST_F(RotationTest, NumberedFilesThatCannotBeUsed) {
       Record().cur_log_file_ID = number;
       for (const sint32 written : {0, 5, 1}) EXPECT_EQ(Write(101), written);
     }
-    const int next = dup(0);  // the descriptor that start-up will have
-    close(next);
+    const std::string report = "errno = 9\nBad file handle " + std::to_string(NextDescriptor());
     Errors();
     for (const int good : {0, 1}) {  // the scan's look at the file, and the size check's
       fake.good_statuses = good;
       EXPECT_EQ(Start({"none", 0, 100, "free.log", mode, 2}), 5);
-      EXPECT_EQ(Errors(), "errno = 9\nBad file handle " + std::to_string(next) +
-                              (good == 0 && mode == Log_Mode_Date ? "\n" : ".\n"));
+      EXPECT_EQ(Errors(), report + (good == 0 && mode == Log_Mode_Date ? "\n" : ".\n"));
     }
     fake.good_statuses = 1 << 30;
   }
 }
 
-TEST_F(RotationTest, RemovesFilesOfTheirAge) {
+TEST_F(RotationTest, RemovesFilesOfTheirAgeAndName) {
   // clang-format off
-  constexpr struct {
-    const char* now; uint32 days; const char *removed, *kept, *zone = "CET-1CEST,M3.5.0,M10.5.0/3";
-  } kCases[] = {
+  const struct { const char* now; uint32 days; const char *removed, *kept, *zone = "CET-1CEST,M3.5.0,M10.5.0/3"; } ages[] = {
       {"2026-11-16 13:24:14", 3, "20261113", "20261114"}, {"2026-11-16 00:00:00", 1, "20261115", "20261116"},
       {"2026-11-16 23:59:59", 7, "20261109", "20261110"}, {"2027-01-01 00:00:00", 1, "20261231", "20270101"},
-      {"2028-03-01 12:00:00", 1, "20280229", "20280301"}, {"2027-03-01 12:00:00", 1, "20270228", "20270301"},
-      // Summer, whose ages count from 1 o'clock, and the days of 23 and of 25 hours.
+      // Summer, whose ages count from 1 o'clock, days of 23 and of 25 hours; at last a winter that is the exception.
       {"2026-07-10 00:59:59", 1, "20260708", "20260709"}, {"2026-07-10 01:00:00", 1, "20260709", "20260710"},
       {"2026-03-29 23:59:59", 1, "20260328", "20260329"}, {"2026-03-30 00:30:00", 1, "20260328", "20260329"},
       {"2026-03-30 01:00:00", 1, "20260329", "20260330"}, {"2026-10-25 23:59:59", 1, "20261024", "20261025"},
       {"2026-10-26 00:00:00", 1, "20261025", "20261026"}, {"2026-11-16 13:24:14", 4294967295, "", "00000000"},
       {"2026-11-16 13:24:14", 365, "00000000", "20261117"}, {"2026-11-16 13:24:14", 0, "", "20000101"},
-      // A zone whose winter time is the exception.
-      {"2026-12-10 23:59:59", 1, "20261209", "20261210", "IST-1GMT0,M10.5.0,M3.5.0/1"}};
+      {"2028-03-01 12:00:00", 1, "20280229", "20280301"}, {"2026-12-10 23:59:59", 1, "20261209", "20261210", "IST-1GMT0,M10.5.0,M3.5.0/1"}};
+  const struct { const char* log; std::vector<const char*> removed, kept; } names[] = {
+      {"app.log", {"app_20200101_000.log", "appx20200101y9z_.log"}, {"app_20200101_000.txt", "app_2020010_000.log", "app_2020010x_000.log"}},
+      {"app.log", {}, {"app_20200101_1000.log", "app_20200101_00.log", "app_20200101_000", "xpp_20200101_000.log", "app_x_20200101_000.log"}},
+      {"app.log", {}, {"ap_20200101_000.log", "x\\app_20200101_000.log", "app_20200101_000.log.gz"}},
+      {"app", {"app_20200101_000"}, {"app_20200101_000.log"}}, {"app.", {"app_20200101_000."}, {}},
+      {"a.b.log", {"a.b_20200101_000.log"}, {"a_20200101_000.log"}}};
   // clang-format on
-  for (const auto& row : kCases) {
-    setenv("TZ", row.zone, 1);
+  for (const auto& [now, days, old_day, kept_day, zone] : ages) {
+    setenv("TZ", zone, 1);
     std::tm local{};
     local.tm_isdst = -1;
-    strptime(row.now, "%Y-%m-%d %H:%M:%S", &local);
+    strptime(now, "%Y-%m-%d %H:%M:%S", &local);
     fake.SetClock(std::mktime(&local));
-    const auto name = [](const char* day) { return std::string("app_") + day + "_000.log"; };
-    for (const char* day : {row.removed, row.kept}) MakeFile(name(day), 5);
-    Open({"", 0, 100, "app.log", Log_Mode_Date, 0, row.days});
-    EXPECT_EQ(fs::exists(name(row.removed)), *row.removed == '\0') << row.now << " " << row.days;
-    EXPECT_EQ(ReadFile(name(row.kept)).size(), 5U) << row.now << " " << row.days;
-    fs::remove(name(row.kept));
+    const std::string old = "app_"s + old_day + "_000.log", kept = "app_"s + kept_day + "_000.log";
+    for (const std::string& file : {old, kept}) MakeFile(file, 5);
+    Open({"", 0, 100, "app.log", Log_Mode_Date, 0, days});
+    EXPECT_EQ(Bars(fs::exists(old), ReadFile(kept).size()), Bars(*old_day == '\0', 5)) << now << " " << days;
+    for (const auto& entry : fs::directory_iterator(".")) fs::remove(entry);
   }
-}
 
-TEST_F(RotationTest, RemovesFilesOfTheirName) {
-  // clang-format off
-  constexpr struct { const char *log, *entry; bool removed; } kCases[] = {
-      {"app.log", "app_20200101_000.log", true}, {"app.log", "appx20200101y9z_.log", true},
-      {"app.log", "app_20200101_000.txt", false}, {"app.log", "app_2020010_000.log", false},
-      {"app.log", "app_2020010x_000.log", false}, {"app.log", "app_20200101_1000.log", false},
-      {"app.log", "app_20200101_00.log", false}, {"app.log", "xpp_20200101_000.log", false},
-      {"app.log", "app_x_20200101_000.log", false}, {"app.log", "ap_20200101_000.log", false},
-      {"app.log", "x\\app_20200101_000.log", false}, {"app.log", "app_20200101_000", false},
-      {"app.log", "app_20200101_000.log.gz", false}, {"app", "app_20200101_000", true},
-      {"app", "app_20200101_000.log", false}, {"app.", "app_20200101_000.", true},
-      {"a.b.log", "a.b_20200101_000.log", true}, {"a.b.log", "a_20200101_000.log", false}};
-  // clang-format on
-  for (const auto& row : kCases) {
-    MakeFile(row.entry, 5);
+  for (const auto& [log, removed, kept] : names) {
+    for (const auto& files : {removed, kept})
+      for (const char* file : files) MakeFile(file, 5);
     for (const int age : {30, 0}) {
       fake.SetClock(kStart - std::time_t{86400} * age);
-      Open({"", 0, 100, row.log, Log_Mode_Date, 0, 7});
+      Open({"", 0, 100, log, Log_Mode_Date, 0, 7});
     }
-    EXPECT_EQ(fs::remove(row.entry), !row.removed) << row.log << " " << row.entry;
-    int left = 0;
-    for (const auto& entry : fs::directory_iterator(".")) left += static_cast<int>(fs::remove(entry));
-    EXPECT_EQ(left, 1) << "the file of today, and not the one that the log made before";
+    for (const char* file : removed) EXPECT_FALSE(fs::exists(file)) << file;
+    for (const char* file : kept) EXPECT_TRUE(fs::remove(file)) << file;
+    EXPECT_EQ(std::distance(fs::directory_iterator("."), {}), 1) << "today's, not that of the log before";
+    for (const auto& entry : fs::directory_iterator(".")) fs::remove(entry);
   }
 }
 
@@ -176,8 +152,8 @@ TEST_F(RotationTest, RemovingEndsWhereAFileStaysOrTheClockDoes) {
   const std::string folder = "app_20200101_000", file = "app_20200101_001";
   // clang-format off
   const struct { std::time_t clock; std::size_t length; std::vector<std::string> list; sint32 code; } cases[] = {
-      {kStart, 243, {file, folder, ""}, -1}, {-1, 243, {file, file}, 12}, {kNoYear, 243, {file, file}, 12},
-      {kStart, 244, {file}, 0}, {kStart, 243, {file}, 0}};  // skips a path of 260 characters
+      {kStart, 243, {file, folder, ""}, -1}, {-1, 243, {file, file}, 12}, {kNoYear, 243, {file, file}, 12}, {kStart, 244, {file}, 0},
+      {kStart, 243, {file}, 0}};  // skips a path of 260 characters
   // clang-format on
   fs::create_directory(folder);
   MakeFile(file, 5);
@@ -246,22 +222,18 @@ TEST_F(RotationTest, FailuresOfReopeningWritingFlushingAndClosing) {
   const std::string failed = "(" + std::to_string(fileno(Record().file_out)) + ") = -1 failed\n";
   errno = ENOENT;
   EXPECT_EQ(Write(10), 7);
-  EXPECT_EQ(errno, ENOENT);
-  EXPECT_EQ(std::pair(Record().file_size, Record().flush_size), std::pair(10U, 0U));
+  EXPECT_EQ(Bars(errno, Record().file_size, Record().flush_size), Bars(ENOENT, 10, 0));
   EXPECT_EQ(Write(100000), 7);
   EXPECT_EQ(Record().file_size, 14U) << "the header stands, the message does not";
   EXPECT_EQ(Errors(), "LogMsg fflush" + failed + "logMsgWriteFile vfprintf failed(errorcode:0).\n");
 
   Open({"", 4096, 1U << 30, "/dev/full"});
   EXPECT_EQ(Write(10), 0);
-  EXPECT_EQ(LOG_MSG_FLUSH(handle_), 7);
-  EXPECT_EQ(Record().flush_size, 10U) << "not tried again";
+  for (const sint32 code : {7, 0}) EXPECT_EQ(LOG_MSG_FLUSH(handle_), code) << "not tried again";
   EXPECT_EQ(Write(10), 0);
   char text[] = "x";
-  FILE* const read_only = std::fopen("/dev/null", "r");
-  EXPECT_EQ(logMsgWriteFile(&Record(), read_only, "", text), 7);
+  EXPECT_EQ(logMsgWriteFile(&Record(), vintra::FilePtr(std::fopen("/dev/null", "r")).get(), "", text), 7);
   Close();
-  std::fclose(read_only);
   EXPECT_EQ(Errors(), "LogMsg fflush" + failed + "logMsgWriteFile fwrite failed(errorcode:0).\n" +
                           "LogMsg fclose" + failed);
 }

@@ -6,9 +6,6 @@
 #include <sys/statfs.h>
 #include <sys/timeb.h>
 #include <sys/utsname.h>
-#include <unistd.h>
-
-#include <cerrno>
 
 extern "C" {
 void* __real_malloc(std::size_t size);
@@ -26,9 +23,7 @@ static bool FailsNow() {
   return ++fake.allocations == fake.failing_allocation;
 }
 void* __wrap_malloc(std::size_t size) { return FailsNow() ? nullptr : __real_malloc(size); }
-void* __wrap_realloc(void* block, std::size_t size) {
-  return FailsNow() ? nullptr : __real_realloc(block, size);
-}
+void* __wrap_realloc(void* old, std::size_t size) { return FailsNow() ? nullptr : __real_realloc(old, size); }
 std::time_t __wrap_time(std::time_t*) { return fake.coarse_second.fetch_add(fake.seconds_per_reading); }
 int __wrap_ftime(timeb* now) {
   *now = {fake.fine_second.fetch_add(fake.seconds_per_reading), fake.millisecond, 0, 0};
@@ -47,39 +42,32 @@ int __wrap_fstat64(int descriptor, struct stat64* status) {
 }
 // Calls of a kind are told apart by their number: "fsync2".
 static bool NotedAndFails(const std::string& name) {
+  if (!fake.notes_calls) return false;
   std::string word = name;
-  for (int number = 2; fake.calls.find(word + " ") != std::string::npos; ++number) {
-    word = name + std::to_string(number);
-  }
+  for (int number = 2; fake.calls.find(word + " ") != std::string::npos;)
+    word = name + std::to_string(number++);
   fake.calls += word + " ";
   errno = EIO;
   return word == fake.failing_call;
 }
-std::FILE* __wrap_fopen64(const char* path, const char* mode) {
-  constexpr std::string_view kFailsBehind = "fails behind:";
-  if (std::string(path).starts_with("/proc/")) {
-    return __real_fopen64(fs::path(fake.library_file).replace_filename(fs::path(path).filename()).c_str(),
-                          mode);
-  }
-  if (!NotedAndFails("open")) return __real_fopen64(path, mode);
-  if (!fake.other_file.starts_with(kFailsBehind)) return __real_fopen64(fake.other_file.c_str(), mode);
-  fake.other_file.erase(0, kFailsBehind.size());
-  return fopencookie(nullptr, "r",
-                     {[](void*, char* buffer, std::size_t size) -> ssize_t {
-                        const std::size_t count = std::exchange(fake.other_file, "").copy(buffer, size);
-                        return count != 0 ? static_cast<ssize_t>(count) : -1;
-                      },
-                      nullptr, nullptr, nullptr});
+static ssize_t ReadOnce(void*, char* buffer, std::size_t size) {
+  const std::size_t count = std::exchange(fake.other_file, "").copy(buffer, size);
+  return count != 0 ? static_cast<ssize_t>(count) : -1;
 }
-std::size_t __wrap_fwrite_unlocked(const void* bytes, std::size_t size, std::size_t count,
-                                   std::FILE* stream) {
+std::FILE* __wrap_fopen64(const char* path, const char* mode) {
+  if (fs::path(path).parent_path() == "/proc") return __real_fopen64(path + std::strlen("/proc/"), mode);
+  if (!NotedAndFails("open")) return __real_fopen64(path, mode);
+  if (!fake.other_file.starts_with('[')) return __real_fopen64(fake.other_file.c_str(), mode);
+  return fopencookie(nullptr, "r", {ReadOnce, nullptr, nullptr, nullptr});
+}
+std::size_t __wrap_fwrite_unlocked(const void* bytes, std::size_t size, std::size_t count, FILE* stream) {
   const std::size_t written = __real_fwrite_unlocked(bytes, size, count, stream);
   return NotedAndFails("write") ? 0 : written;
 }
 int __wrap_fsync(int descriptor) {
   struct stat64 status {};
   __real_fstat64(descriptor, &status);
-  if (fake.calls.find("fsync") == std::string::npos) fake.synced_size = status.st_size;
+  if (fake.notes_calls && fake.calls.find("fsync") == std::string::npos) fake.synced_size = status.st_size;
   return NotedAndFails("fsync") ? -1 : __real_fsync(descriptor);
 }
 int __wrap_fclose(std::FILE* stream) {
@@ -94,9 +82,8 @@ int __wrap_gethostname(char* name, std::size_t size) {
   return fake.host.empty() || fake.host.size() >= size ? -1 : 0;
 }
 int __wrap_uname(utsname* system) {
-  for (char* field : {system->sysname, system->machine, system->release, system->version}) {
+  for (char* field : {system->sysname, system->machine, system->release, system->version})
     fake.system_field.copy(field, sizeof system->sysname - 1);
-  }
   return fake.system_field.empty() ? -1 : 0;
 }
 int __wrap_statfs64(const char* path, struct statfs64* status) {

@@ -2,9 +2,12 @@
 #ifndef VINTRA_TESTS_TESTSUPPORT_H
 #define VINTRA_TESTS_TESTSUPPORT_H
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <atomic>
+#include <cerrno>
 #include <cstring>
 #include <ctime>
 #include <filesystem>
@@ -12,8 +15,10 @@
 #include <memory>
 #include <numeric>
 #include <set>
+#include <sstream>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "Common/Text.h"
 #include "VintraModule/LogHandle.h"
@@ -25,20 +30,20 @@ constexpr std::time_t kStart = 1794835454;             // 2026-11-16 13:24:14 UT
 constexpr std::time_t kNoYear = std::time_t{1} << 60;  // in a year that has no number
 
 struct FakeSystem {
-  std::string library_file;                                             // what the loader says the library is
+  std::string library_file;                                             // as the loader names it
   std::atomic<std::time_t> coarse_second{kStart}, fine_second{kStart};  // what time() and ftime() return
   unsigned short millisecond = 7;
   std::atomic<int> allocations{0}, failing_allocation{0};  // malloc and realloc; which one fails, from 1
-  bool folder_race = false;     // another process makes each folder just before mkdir does
-  int good_statuses = 1 << 30;  // calls of fstat until it fails
-  int seconds_per_reading = 0;  // by which the clock moves on
-  // What the banners ask for. The files of /proc lie beside the library.
+  bool folder_race = false;                 // another process makes each folder just before mkdir does
+  std::atomic<int> good_statuses{1 << 30};  // calls of fstat until it fails
+  int seconds_per_reading = 0;              // by which the clock moves on
+  // What the banners ask for. The files of /proc lie in the working directory.
   std::string host = "box1", system_field = "unix";  // empty: cannot be read; the latter is every field
   unsigned long long blocks = 0;                     // of "/", of 4 KiB; 0: cannot be read
   int pid = 4242, tid = 4243;
   // What opens, writes, stores and names files, one word a call ("open fsync fsync2 "), and which of them
-  // fails. An open that fails opens other_file instead, or "fails behind:TEXT", which cannot be read behind
-  // TEXT.
+  // fails. An open that fails opens other_file instead, or a file that cannot be read behind its "[text".
+  bool notes_calls = false;  // for one thread only
   std::string calls, failing_call, other_file;
   long synced_size = -1;  // of the first file that was synced
   void SetClock(std::time_t second) { coarse_second = fine_second = second; }
@@ -61,9 +66,29 @@ inline std::string Repeat(std::string_view text, std::size_t times) {
   return result;
 }
 
+// The parts with a '|' between them.
+template <typename... Parts>
+std::string Bars(const Parts&... parts) {
+  std::ostringstream text;
+  ((text << "|" << parts), ...);
+  return text.str().substr(1);
+}
+
+// Each text with a blank behind it.
+inline std::string Listed(const std::set<std::string>& texts) {
+  const auto add = [](const std::string& list, const std::string& text) { return list + text + " "; };
+  return std::accumulate(texts.begin(), texts.end(), std::string(), add);
+}
+
 inline std::string Unscrambled(std::string bytes) {
   for (char& byte : bytes) byte ^= 0x3C;
   return bytes;
+}
+
+// What whoever opens a file next gets.
+inline int NextDescriptor() {
+  const int next = dup(0);
+  return close(next) == 0 ? next : -1;
 }
 
 // A log in plain text, of every level, flushed after each record unless told otherwise.
@@ -74,9 +99,8 @@ struct Settings {
   uint32 mode = Log_Mode_Simple, ring = 0, days = 0, level = Log_Level_Trace, encrypt = 0;
   const char *system = "", *process = "", *module = "";
   LogConfigRecEx Config() const {
-    // clang-format off
-    LogConfigRecEx config{0, {}, LogMode{mode}, LogLevel{level}, limit, ring, flush, days, {}, {}, {}, {}, encrypt};
-    // clang-format on
+    LogConfigRecEx config{0,  {}, LogMode{mode}, LogLevel{level}, limit, ring, flush, days, {}, {},
+                          {}, {}, encrypt};
     name.copy(config.log_file_name, sizeof config.log_file_name);
     vintra::CopyText(config.log_format, format);
     vintra::CopyText(config.sysconf_format, system);
@@ -119,7 +143,7 @@ class LogTest : public testing::Test {
     return handle_;
   }
   void Close() { LOG_MODULE_DESTORY(&handle_); }
-  // A record of exactly size bytes in a log without directives.
+  // A record of size bytes in a log without directives.
   sint32 Write(std::size_t size) const { return LOG_INFO(handle_, "%s", std::string(size - 2, 'x').c_str()); }
   LogHandleRec& Record() const { return *vintra::LiveHandle(handle_); }
   static std::string Log() { return ReadFile("app.log"); }
@@ -132,9 +156,9 @@ class LogTest : public testing::Test {
     std::set<std::string> files;
     for (const auto& entry : fs::directory_iterator(".")) {
       const std::string name = entry.path().filename();
-      if (name.starts_with("app")) files.insert(name + ":" + std::to_string(entry.file_size()) + " ");
+      if (name.starts_with("app")) files.insert(name + ":" + std::to_string(entry.file_size()));
     }
-    return std::accumulate(files.begin(), files.end(), std::string());
+    return Listed(files);
   }
   // The messages of the error log, without stamp and place, each with a line feed. Removes the file.
   static std::string Errors() {

@@ -1,8 +1,9 @@
-// Many threads on one handle, and on the error log.
+// Many threads on one handle, on the error log, and on files.
 #include <chrono>
-#include <sstream>
 #include <thread>
 
+#include "ConfigFileINI/ConfigFileINI.h"
+#include "FolderModule/FolderModule.h"
 #include "TestSupport.h"
 #include "VintraModule/ErrLog.h"
 
@@ -12,9 +13,8 @@ using ThreadsTest = LogTest;
 
 TEST_F(ThreadsTest, RecordsAndReportsStayWholeInEveryMode) {
   std::multiset<std::string> expected;
-  for (int item = 0; item < 8 * 500; ++item) {
+  for (int item = 0; item < 8 * 500; ++item)
     expected.insert(std::to_string(item / 500) + " " + std::to_string(item % 500) + "\r");
-  }
   for (const LogMode mode : {Log_Mode_Simple, Log_Mode_Rollback, Log_Mode_Date}) {
     const uint32 limit = mode == Log_Mode_Simple ? 1U << 30 : 2000;
     Open({"%E%F%L%N", 1000, limit, "app.log", mode});
@@ -26,7 +26,7 @@ TEST_F(ThreadsTest, RecordsAndReportsStayWholeInEveryMode) {
           EXPECT_EQ(LOG_INFO(SourceInfo(handle_, source.c_str(), id + 1), "|%d %d", id, number), 0);
           EXPECT_EQ(number % 50 == 0 ? LOG_MSG_FLUSH(handle_) : 0, 0);
           std::fflush(nullptr);  // reaches the log's stream beside the handle
-          PrintErrLog("w.src", 1, "%d %d\r", id, number);
+          PrintErrLog("w.src", 1, "] |%d %d\r", id, number);
         }
       });
     }
@@ -38,15 +38,37 @@ TEST_F(ThreadsTest, RecordsAndReportsStayWholeInEveryMode) {
       records += ReadFile(entry.path()) + "\r\n";
       fs::remove(entry);
     }
-    for (const auto& [text, prefix] : {std::pair(records, "] |"), {reports, ""}}) {
+    for (const std::string& text : {records, reports}) {
       std::multiset<std::string> seen;
       std::istringstream lines(text);
-      for (std::string line; std::getline(lines, line);) {
-        seen.insert(line.substr(std::min(line.find(prefix) + std::strlen(prefix), line.size())));
-      }
+      for (std::string line; std::getline(lines, line);)
+        seen.insert(line.substr(std::min(line.find("] |") + 3, line.size())));
       EXPECT_EQ(seen, expected);
     }
   }
+}
+
+TEST_F(ThreadsTest, FilesAndFoldersServeManyThreads) {
+  WriteFile("shared.ini", "[a]\nk=0\n");
+  std::thread threads[4];
+  for (int id = 0; id < 4; ++id) {
+    threads[id] = std::thread([id] {
+      const std::string own = "d/" + std::to_string(id) + ".ini";
+      for (sint32 number = 1; number <= 50; ++number) {
+        EXPECT_EQ(WriteConfigFileInt("a", "k", number, own.c_str()), 1);
+        EXPECT_EQ(GetConfigFileInt("a", "k", 0, own.c_str()), static_cast<uint32>(number));
+        // One thread changes what the others read: they see the file before a change or after it.
+        EXPECT_TRUE(id != 0 || WriteConfigFileInt("a", "k", number, "shared.ini") == 1);
+        EXPECT_LE(GetConfigFileInt("a", "k", 77, "shared.ini"), 50U);
+        char files[4096];
+        int size = 0, count = 0;
+        EXPECT_EQ(
+            FindPathByFileName(".", fs::path(own).filename().c_str(), files, sizeof files, &size, &count), 1);
+        EXPECT_EQ(std::string(files, static_cast<std::size_t>(size)), "./" + own + "\0"s);
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
 }
 
 TEST_F(ThreadsTest, CancelledThreadsLeaveTheHandleUsable) {

@@ -1,5 +1,4 @@
 // Any bytes as formats, without a terminator: a switch is set for a letter behind a '%' and for no other.
-#include <algorithm>
 #include <cstring>
 
 #include "VintraModule/LogHandle.h"
@@ -23,26 +22,21 @@ bool Asks(std::string_view format, char letter) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   LogConfigRecEx config{};
-  for (sint8* const field : {config.log_format, config.sysconf_format, config.PidandTid}) {
+  for (sint8* const field : {config.log_format, config.sysconf_format, config.PidandTid})
     std::memcpy(field, data, std::min<std::size_t>(size, VINTRA_TEXT_SIZE));
-  }
   const std::string_view format(config.log_format, strnlen(config.log_format, VINTRA_TEXT_SIZE));
   LogHandleRec handle{};
   AnalysisLogFormat(&config, &handle);
   AnalysisSysFormat(&config, &handle);
   AnalysisPidFormat(&config, &handle);
 
-  const struct {
-    char letter;
-    uint32 flag, if_empty;
-  } switches[] = {
-      {'D', handle.log_date, 0},     {'T', handle.log_time, 0},     {'E', handle.log_level_info, 0},
-      {'F', handle.log_src_file, 0}, {'L', handle.log_src_line, 0}, {'N', handle.log_new_line, 1},
-      {'C', handle.log_swith, 0},    {'N', handle.sys_none, 1},     {'O', handle.sys_os, 0},
-      {'C', handle.sys_cpu, 0},      {'M', handle.sys_memory, 0},   {'N', handle.log_none, 1},
-      {'P', handle.log_pid, 0},      {'T', handle.log_tid, 0}};
-  for (const auto& [letter, flag, if_empty] : switches) {
-    Require(flag == (format.empty() ? if_empty : uint32{Asks(format, letter)}));
-  }
+  // clang-format off
+  const std::pair<char, uint32> switches[] = {
+      {'D', handle.log_date}, {'T', handle.log_time}, {'E', handle.log_level_info}, {'F', handle.log_src_file}, {'L', handle.log_src_line},
+      {'N', handle.log_new_line}, {'C', handle.log_swith}, {'N', handle.sys_none}, {'O', handle.sys_os}, {'C', handle.sys_cpu},
+      {'M', handle.sys_memory}, {'N', handle.log_none}, {'P', handle.log_pid}, {'T', handle.log_tid}};
+  // clang-format on
+  for (const auto& [letter, flag] : switches)
+    Require(flag == uint32{format.empty() ? letter == 'N' : Asks(format, letter)});
   return 0;
 }

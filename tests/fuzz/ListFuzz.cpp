@@ -1,28 +1,22 @@
-// Listings into a buffer of any size: a list ends in it with two NULs, and is the beginning of the whole
-// list.
-#include <algorithm>
-
+// Listings into a buffer of any size: a list ends in it with two NULs, and begins the whole list.
 #include "tests/fuzz/FuzzFile.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   std::string_view input(reinterpret_cast<const char*>(data), size);
-  const std::string section = TakeText(input);
-  const sint32 room = input.empty() ? 0 : static_cast<unsigned char>(input.front());
+  const std::string key_section = TakeText(input);
+  const std::size_t room = input.empty() ? 0 : static_cast<unsigned char>(input.front());
   SetUp(input);
 
-  const auto check = [room](const std::vector<std::string>& all, auto list_into) {
-    const std::string before(static_cast<std::size_t>(room), '~');
+  for (const std::string* section : {static_cast<const std::string*>(nullptr), &key_section}) {
+    const std::string before(room, '~');
     std::string list = before;
-    const sint32 used = list_into(list.data());
-    Require(used >= 0 && (used == 0 || used + 1 < room));
-    if (used == 0) return Require(list == before && (all.empty() || all.front().size() + 2 >= list.size()));
+    const sint32 used = ListInto(list.data(), static_cast<sint32>(room), section);
     const auto end = static_cast<std::size_t>(used);
-    Require(list[end] == '\0' && list.substr(end + 1) == before.substr(end + 1));
-    const std::vector<std::string> names = Names(list, used);
+    Require(used >= 0 && (used == 0 || end + 1 < room));
+    Require(used == 0 ? list == before : list[end] == '\0' && list.substr(end + 1) == before.substr(end + 1));
+    const std::vector<std::string> names = Names(list, used), all = List(section);
     Require(names.size() <= all.size() && std::equal(names.begin(), names.end(), all.begin()));
-    Require(names.size() == all.size() || end + all[names.size()].size() + 2 >= list.size());
-  };
-  check(List(), [room](char* list) { return GetConfigFileSections(list, room, kFile); });
-  check(List(&section), [&](char* list) { return GetConfigFileKeys(section.c_str(), list, room, kFile); });
+    Require(names.size() == all.size() || end + all[names.size()].size() + 2 >= room);
+  }
   return 0;
 }

@@ -1,5 +1,4 @@
-// Lookups in any file, under any signs: what is found is a text of one line, and every key that is listed has
-// a value.
+// Lookups in any file, under any signs: a value is a text of one line, and every listed key has one.
 #include "tests/fuzz/FuzzFile.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -16,9 +15,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   Require(cut[3] == '\0');
   GetConfigFileInt(section.c_str(), key.c_str(), 7, kFile);
 
-  for (const std::string& name : List()) {
-    if (name.empty()) continue;
-    for (const std::string& listed : List(&name)) Require(listed.empty() || Value(name, listed) != "\n");
-  }
+  for (const std::string& name : List())
+    for (const std::string& listed : name.empty() ? std::vector<std::string>() : List(&name))
+      Require(listed.empty() || Value(name, listed) != "\n");
   return 0;
 }

@@ -1,6 +1,5 @@
-// A key written into any file: a refusal changes nothing, and success is read back, with every other key and
-// section as before.
-#include <algorithm>
+// A key written into any file: a refusal changes nothing, success is read back, and all else is as before.
+#include <map>
 
 #include "Common/Handles.h"
 #include "ConfigFileINI/ConfigFileINIInter.h"
@@ -8,20 +7,7 @@
 
 namespace {
 
-struct Key {
-  std::string section, name, value;
-};
-
-std::vector<Key> AllKeys() {
-  std::vector<Key> keys;
-  for (const std::string& section : List()) {
-    for (const std::string& name : List(&section)) keys.push_back({section, name, Value(section, name)});
-  }
-  return keys;
-}
-
-// True when a line that continues a value looks like a section's. Then it is both, and a change of one
-// changes the other.
+// True when a line that continues a value looks like a section's. Then it is both.
 bool IsAmbiguous() {
   const vintra::FilePtr file(std::fopen(kFile, "r"));
   bool goes_on = false;
@@ -40,26 +26,24 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   std::string_view input(reinterpret_cast<const char*>(data), size);
   const std::string section = TakeText(input), key = TakeText(input), value = TakeText(input);
   SetUp(input);
-  // What the caller has to see to: a value and a section on one line, and the value without blanks at its
-  // ends.
+  // What the caller has to see to: section and value on one line, the value without blanks at its ends.
   if ((section + value).find_first_of("\r\n\f\x1a") != std::string::npos) return 0;
   if (value.find_last_not_of(" \t+") + 1 != value.size() || value.find_first_not_of(" \t") != 0) return 0;
   if (IsAmbiguous()) return 0;
 
   const std::string before = Content();
-  const std::vector<Key> others = AllKeys();
   std::vector<std::string> sections = List(), keys = List(&section);
+  std::map<std::pair<std::string, std::string>, std::string> values;
+  for (const std::string& name : sections)
+    for (const std::string& listed : List(&name)) values[{name, listed}] = Value(name, listed);
   const bool was_found = Value(section, key) != "\n";
 
   if (WriteConfigFileString(section.c_str(), key.c_str(), value.c_str(), kFile) == 0) {
     Require(Content() == before);
     return 0;
   }
-  Require(Value(section, key) == value);
-  for (const Key& other : others) {
-    const bool is_written = other.section == section && other.name == key;
-    Require(Value(other.section, other.name) == (is_written ? value : other.value));
-  }
+  values[{section, key}] = value;
+  for (const auto& [place, text] : values) Require(Value(place.first, place.second) == text);
   if (was_found) return 0;
   keys.insert(keys.begin(), key);
   Require(List(&section) == keys);
