@@ -48,6 +48,15 @@ class FileDescriptor {
   int get() const { return descriptor_; }
   int release() { return std::exchange(descriptor_, -1); }
 
+  // Reads up to size bytes, whatever signals come. Returns their number, 0 at the end of the file, or -1 with
+  // errno.
+  ssize_t Read(char* bytes, std::size_t size) const {
+    ssize_t count = 0;
+    do count = read(descriptor_, bytes, size);
+    while (count < 0 && errno == EINTR);
+    return count;
+  }
+
   // Returns how many of the bytes were written, in one call unless a signal or a full disk cuts it short.
   // When fewer than all, errno says why.
   std::size_t WriteAll(std::string_view bytes) const {

@@ -140,7 +140,7 @@ sint32 GetConfigFileKey(INIFileRec* Ini_file_info, const sint8* section, const s
 
 namespace {
 
-// False for a key that no lookup would find again, under the name that it has in a line.
+// False for a key that a line may hold and no lookup would find.
 bool CanBeFound(std::string_view key) {
   const sint8 signs[] = {SectionSymbolLeft, SectionSymbolRight, KeyValueSplitSign, NoteLineSign,
                          ConnectLineSign};

@@ -23,7 +23,7 @@ enum IniCode : sint32 {
   kFileUnreadable = -10,  // it cannot be opened; errno says why
   kNoTarget = -11,        // nothing to write to: a temporary file, or the file to append to
   kLineUnreadable = -12,
-  kNotWritten = -13,  // also a key that holds a sign
+  kNotWritten = -13,  // also a key or a line that could not be read back
   kMalformedLine = -14,
   kReadError = -15,
   kLineTooLong = -22,

@@ -114,9 +114,11 @@ bool PathList::Append(std::string_view path) {
   const std::size_t size = size_ + path.size() + 1;
   if (size > capacity_) {
     const std::size_t capacity = std::max({kFirstCapacity, size, 2 * capacity_});
-    auto* const grown = out_of_memory_ ? nullptr : static_cast<char*>(std::realloc(bytes_.get(), capacity));
-    out_of_memory_ = grown == nullptr;
-    if (out_of_memory_) return false;
+    auto* const grown = static_cast<char*>(std::realloc(bytes_.get(), capacity));
+    if (grown == nullptr) {
+      RunOutOfMemory();
+      return false;
+    }
     static_cast<void>(bytes_.release());
     bytes_.reset(grown);
     capacity_ = capacity;

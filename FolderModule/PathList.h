@@ -9,7 +9,7 @@
 
 namespace vintra {
 
-// Each path with a NUL behind it. Grows as needed; once there is no memory for a path it takes no more.
+// Each path with a NUL behind it. Grows as needed; once out of memory, it lacks something.
 class PathList {
  public:
   // Returns false when there is no memory.

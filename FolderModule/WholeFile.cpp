@@ -19,8 +19,7 @@ std::size_t ReadUpTo(const vintra::FileDescriptor& file, char* bytes, std::size_
   const int host_errno = errno;
   std::size_t count = 0;
   while (count < size) {
-    const ssize_t result = read(file.get(), bytes + count, size - count);
-    if (result < 0 && errno == EINTR) continue;
+    const ssize_t result = file.Read(bytes + count, size - count);
     if (result < 0) return count;
     if (result == 0) break;
     count += static_cast<std::size_t>(result);

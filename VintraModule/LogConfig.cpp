@@ -1,12 +1,12 @@
 #include "VintraModule/LogConfig.h"
 
 #include <algorithm>
-#include <span>
 #include <string_view>
 
 #include "Common/Text.h"
 #include "ConfigFileINI/ConfigFileINI.h"
 #include "VintraModule/ErrLog.h"
+#include "VintraModule/LogLevels.h"
 
 namespace {
 
@@ -30,21 +30,17 @@ sint32 ReportNotSet(const Key& key) {
   return kDefaultUsed;
 }
 
-template <typename Value>
-struct Choice {
-  const sint8* name;
-  Value value;
+struct ModeRow {
+  LogMode mode;
+  const sint8* config_name;
 };
 
-constexpr Choice<LogLevel> kLevelChoices[] = {
-    {"Log_Level_Trace", Log_Level_Trace},    {"Log_Level_Debug", Log_Level_Debug},
-    {"Log_Level_Info", Log_Level_Info},      {"Log_Level_Notice", Log_Level_Notice},
-    {"Log_Level_Warn", Log_Level_Warn},      {"Log_Level_Error", Log_Level_Error},
-    {"Log_Level_Crit", Log_Level_Crit},      {"Log_Level_Fatal", Log_Level_Fatal},
-    {"Log_Level_Disable", Log_Level_Disable}};
-constexpr Choice<LogMode> kModeChoices[] = {{"Log_Mode_Simple", Log_Mode_Simple},
-                                            {"Log_Mode_Rollback", Log_Mode_Rollback},
-                                            {"Log_Mode_Date", Log_Mode_Date}};
+constexpr ModeRow kModes[] = {{Log_Mode_Simple, "Log_Mode_Simple"},
+                              {Log_Mode_Rollback, "Log_Mode_Rollback"},
+                              {Log_Mode_Date, "Log_Mode_Date"}};
+
+// The default threshold, which is no level of a record.
+constexpr vintra::LevelRow kDisabled = {Log_Level_Disable, "", "", "Log_Level_Disable"};
 
 // Of the letters that the names have, whatever the locale says of others.
 bool EqualIgnoringCase(std::string_view left, std::string_view right) {
@@ -55,20 +51,22 @@ bool EqualIgnoringCase(std::string_view left, std::string_view right) {
                     [lower](char a, char b) { return lower(a) == lower(b); });
 }
 
-template <typename Value>
-sint32 ReadChoice(const Key& key, std::span<const Choice<Value>> choices, const Choice<Value>& fallback,
+// Reads the name of one of rows or of the fallback.
+template <typename Row, std::size_t N, typename Value>
+sint32 ReadChoice(const Key& key, const Row (&rows)[N], const Row& fallback, Value Row::*value,
                   Value& field) {
   sint8 text[VINTRA_INI_LINE_SIZE];
   const std::string_view name(text,
                               GetConfigFileString(key.section, key.name, "", text, sizeof text, key.file));
-  const auto found = std::find_if(choices.begin(), choices.end(), [name](const Choice<Value>& choice) {
-    return EqualIgnoringCase(choice.name, name);
-  });
-  field = found == choices.end() ? fallback.value : found->value;
-  if (found != choices.end()) return kFromFile;
+  for (const Row& row : rows) {
+    field = row.*value;
+    if (EqualIgnoringCase(row.config_name, name)) return kFromFile;
+  }
+  field = fallback.*value;
+  if (EqualIgnoringCase(fallback.config_name, name)) return kFromFile;
   if (name.empty()) return ReportNotSet(key);
   REPORT_ERROR("LOG_MODULE_INIT log %s(%s) is invalid, use default %s %s", key.name, text, key.name,
-               fallback.name);
+               fallback.config_name);
   return kDefaultUsed;
 }
 
@@ -149,16 +147,16 @@ sint32 GetLogFileNameFromConfig(LogConfigRecEx* log_config, const sint8* file_na
 
 sint32 GetLogFileLevelFromConfig(LogConfigRecEx* log_config, const sint8* file_name,
                                  const sint8* section_name) {
-  return ReadChoice<LogLevel>({file_name, section_name, "level",
-                               "LOG_MODULE_INIT log level not set, use default level Log_Level_Disable"},
-                              kLevelChoices, {"Log_Level_Disable", Log_Level_Disable}, log_config->log_level);
+  return ReadChoice({file_name, section_name, "level",
+                     "LOG_MODULE_INIT log level not set, use default level Log_Level_Disable"},
+                    vintra::kLevels, kDisabled, &vintra::LevelRow::level, log_config->log_level);
 }
 
 sint32 GetLogFileModeFromConfig(LogConfigRecEx* log_config, const sint8* file_name,
                                 const sint8* section_name) {
-  return ReadChoice<LogMode>(
+  return ReadChoice(
       {file_name, section_name, "mode", "LOG_MODULE_INIT log_mode not set, use default mode Log_Mode_Simple"},
-      kModeChoices, {"Log_Mode_Simple", Log_Mode_Simple}, log_config->log_mode);
+      kModes, kModes[0], &ModeRow::mode, log_config->log_mode);
 }
 
 sint32 GetMaxFileSizeFromConfig(LogConfigRecEx* log_config, const sint8* file_name,

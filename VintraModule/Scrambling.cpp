@@ -24,13 +24,6 @@ void ScrambleApart(sint8* __restrict dest, const sint8* __restrict source, std::
   for (std::size_t at = 0; at < length; ++at) dest[at] = static_cast<sint8>(source[at] ^ kMask);
 }
 
-ssize_t ReadBlock(const FileDescriptor& file, sint8* block) {
-  ssize_t count = 0;
-  do count = read(file.get(), block, kBlockSize);
-  while (count < 0 && errno == EINTR);
-  return count;
-}
-
 // Opens new_path for writing from empty, unless it is the file that other tells of. That shows only after the
 // opening, so emptying waits until then. Returns a descriptor that holds nothing on failure.
 FileDescriptor OpenEmptied(const sint8* new_path, const struct stat& other) {
@@ -73,7 +66,7 @@ sint32 ScrambleFile(const sint8* old_path, const sint8* new_path, int& write_err
   if (!new_file) return kNoFile;
 
   ssize_t count = 0;
-  while ((count = ReadBlock(old_file, block.get())) > 0) {
+  while ((count = old_file.Read(block.get(), kBlockSize)) > 0) {
     const std::span<sint8> bytes(block.get(), static_cast<std::size_t>(count));
     Scramble(bytes);
     if (new_file.WriteAll({bytes.data(), bytes.size()}) != bytes.size()) {

@@ -226,9 +226,10 @@ VINTRA_API sint32 LOG_MODULE_INIT_New_Ex(const LogConfigRecEx* a_log_config, LOG
  * 10. A key that is missing, empty or of no use, and a number that is 0 or negative, take the default with a
  * line in the error log. Not so flush_size and encrypt: no line, and a 0 is taken. Nor format: it may be
  * empty, and reads as missing when it is "null". What the mode does not use is not read. So a file or section
- * that is missing makes a log whose threshold drops every record: see LOG_LEVEL. A file_name that
- * ends in '/' or '\' is a folder and gets "default.log" behind it, one that ends in ':' "/default.log"; where
- * that exceeds 259 characters it is "default.log" alone. Formats are cut to 63 characters.
+ * that is missing makes a log whose threshold drops every record: see LOG_LEVEL.
+ *
+ * A file_name that ends in '/' or '\' is a folder and gets "default.log" behind it, one that ends in ':'
+ * "/default.log"; where that exceeds 259 characters it is "default.log" alone. Formats are cut to 63.
  *
  * config_file counts from the working directory when it is relative; a relative file_name is placed under the
  * folder of this library's own file. A null text reads as "null". An empty one finds no key, and leaves the

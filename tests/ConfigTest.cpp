@@ -54,7 +54,7 @@ TEST_F(ConfigTest, KeysAndDefaults) {
     EXPECT_EQ(Fields(keys, file, section), fields);
     EXPECT_EQ(Errors(), messages);
   }
-  for (const auto& [level, word, tag] : vintra::kLevels)
+  for (const auto& [level, word, tag, name] : vintra::kLevels)
     EXPECT_EQ(Fields("level=Log_Level_"s + word + "\n" + all).substr(9, 1), std::to_string(level));
 }
 
@@ -81,7 +81,8 @@ TEST_F(ConfigTest, HandlesOfASection) {
   const std::string longest(263, 's');
   WriteFile("log.ini",
             "[log]\nfile_name=logs/app.log\nlevel=Log_Level_Info\nmodule_name=net\nencrypt=0\n"
-            "[dir]\nfile_name=.log\n[far]\nfile_name=" +
+            "[dir]\nfile_name=.log\n[blocked]\nfile_name=log.ini/x/y\nlevel=Log_Level_Info\n"
+            "[system]\nfile_name=s.log\nlevel=Log_Level_Trace\nSysConfFormat=%O\n[far]\nfile_name=" +
                 Repeat("d/", 125) + "x.log\n");
   const auto start = [this](const char* file, const char* section) {
     Close();
@@ -95,6 +96,12 @@ TEST_F(ConfigTest, HandlesOfASection) {
   EXPECT_EQ(std::distance(fs::directory_iterator("."), {}), 3) << "log.ini, logs and the error log";
   EXPECT_EQ(start("log.ini", "dir"), 9) << "no base name";
   EXPECT_EQ(start("log.ini", "far"), 9) << "too long behind the library's folder";
+  EXPECT_EQ(start("log.ini", "blocked"), 4);
+  fake.host = "";
+  EXPECT_EQ(start("log.ini", "system"), 13);
+  LogConfigRecEx record{};
+  EXPECT_EQ(GetMaxFileSizeFromConfig(&record, "log.ini", "log"), 9);
+  EXPECT_EQ(GetModuleNameFromConfig(&record, "log.ini", "log"), 0);
   EXPECT_EQ(LOG_MODULE_INIT("log.ini", "log", nullptr), 1);
   EXPECT_TRUE(Errors().ends_with("\nLOG_MODULE_INIT Invalid param:a_log_handle is null\n"));
   WriteFile("null",
