@@ -8,6 +8,12 @@
 
 #include <stdint.h>
 
+/* The version of these headers, as MAJOR.MINOR.PATCH. Libraries of one MAJOR run programs that were built
+ * with an equal or lower MINOR. */
+#define VINTRA_VERSION_MAJOR 1
+#define VINTRA_VERSION_MINOR 0
+#define VINTRA_VERSION_PATCH 0
+
 /* One byte of text. Plain char, so that string literals and char buffers pass without a cast. */
 typedef char sint8;
 typedef int32_t sint32;
