@@ -1,5 +1,5 @@
 #!/bin/sh
-# The examples do what they say, and so does the first program of the README.
+# The examples do what they say.
 # Usage: examples_test.sh EXAMPLES_DIR SOURCE_DIR LIBRARY_DIR CC [SANITIZERS]
 set -eu
 export LC_ALL=C
@@ -82,10 +82,3 @@ for way in '-fno-pie -no-pie' '-fPIE -pie'; do
   "$4" ${5:+-fsanitize=$5} $way -I"$2" "$work/sign.c" -o "$work/sign" -L"$3" -lvintra "-Wl,-rpath,$3"
   "$work/sign" || { echo "failed: a sign written by a host linked $way"; exit 1; }
 done
-
-awk '/^```c$/ { inside = 1; next } /^```$/ { inside = 0 } inside' "$2/README.md" |
-  sed "s,/var/log/app/,$work/," >"$work/readme.c"
-"$4" ${5:+-fsanitize=$5} -std=c99 -Wall -Wextra -Werror -I"$2" "$work/readme.c" -o "$work/readme" \
-  -L"$3" -lvintra "-Wl,-rpath,$3"
-"$work/readme"
-expect README "[INFO]  net  listening on port 8080" "$work/app.log"
