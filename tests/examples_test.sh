@@ -30,13 +30,14 @@ lines='[INFO]  lines  one
 [INFO]  lines  
 [INFO]  lines  last'
 log_lines="$1/vintra_log_lines"
-settings="$1/vintra_settings"
+edit_ini="$1/vintra_edit_ini"
+walk="$1/vintra_walk"
 printf 'one\ntwo %%s\n\nlast' >"$work/input"
 printf '# a log\r\n[log]\nlevel=log_level_info\nfile_name=x' >"$work/log.ini"
 for setting in "file_name $work/simple.log" 'module_name lines' 'format %D' 'format %D%T%E%N' 'mode Log_Mode_Simple'; do
-  "$settings" set "$work/log.ini" log "${setting% *}" "${setting#* }"
+  "$edit_ini" set "$work/log.ini" log "${setting% *}" "${setting#* }"
 done
-expect settings '# a log
+expect edit_ini '# a log
 
 [log]
 mode=Log_Mode_Simple
@@ -57,19 +58,48 @@ if "$1/vintra_convert" "$work/input" /dev/full 2>/dev/null; then
   exit 1
 fi
 # A folder is no log. The library says so beside its own file.
-"$settings" set "$work/log.ini" log file_name "$work"
+"$edit_ini" set "$work/log.ini" log file_name "$work"
 if "$log_lines" "$work/log.ini" log </dev/null 2>/dev/null; then
   echo "failed: log_lines takes a folder for a log"
   exit 1
 fi
 tail -n 1 "$3/LogModuleErrMsg.log" | grep -F "LOG_MODULE_INIT_Ex open file($work) for write failed."
-[ "$("$settings" list "$work/log.ini" | head -n 2)" = "$(printf '[log]\nmode=Log_Mode_Simple')" ]
-[ "$("$settings" find "$work" simple.txt)" = "$work/simple.txt" ]
-[ "$("$settings" find "$work" | wc -l)" -ge 4 ]
-if "$settings" get "$work/log.ini" log missing 2>/dev/null || "$settings" set "$work/log.ini" log k+ v 2>/dev/null; then
-  echo "failed: settings says nothing of a key that is missing or refused"
+[ "$("$edit_ini" list "$work/log.ini" | head -n 2)" = "$(printf '[log]\nmode=Log_Mode_Simple')" ]
+[ "$("$walk" "$work" simple.txt)" = "$work/simple.txt" ]
+[ "$("$walk" "$work" | wc -l)" -ge 4 ]
+if "$edit_ini" get "$work/log.ini" log missing 2>/dev/null || "$edit_ini" set "$work/log.ini" log k+ v 2>/dev/null; then
+  echo "failed: edit_ini says nothing of a key that is missing or refused"
   exit 1
 fi
+
+# Each log as its section says. One that is missing or cannot be opened is named, and the others go on.
+three_logs="$1/vintra_three_logs"
+sed "s,/tmp/vintra/,$work/," "$2/examples/three_logs.ini" >"$work/three.ini"
+"$three_logs" "$work/three.ini"
+expect "the simple log" "[INFO]  net  listening on port 8080" "$work/net.log"
+expect "the dated log" "[NOTICE]  audit  ann has logged in" "$work"/audit_????????_000.log
+sed -i 's/^[[]net]/[other]/; s,= .*audit.log,= /dev/null/audit.log,' "$work/three.ini"
+if "$three_logs" "$work/three.ini" 2>"$work/three.err"; then
+  echo "failed: three_logs succeeds without two of its logs"
+  exit 1
+fi
+expect "three_logs without two logs" "log [net]: is switched off
+log [audit]: could not be opened (code 5)
+log [audit]: refused a record (code 1)
+" "$work/three.err"
+sed 's/^[0-9:.]* //' "$work/trace000.log" >"$work/trace"
+expect "the ring of two runs" "trace  step 1
+trace  step 2
+trace  step 3
+trace  step 1
+trace  step 2
+trace  step 3" "$work/trace"
+
+# Every record of every thread, once and in the thread's order.
+[ "$("$1/vintra_threads" "$work/threads.log")" = 8000 ]
+{ cat "$work/threads.log"; echo; } | sort -s -k 6,6 >"$work/threads.sorted"
+expect threads "$(for thread in 0 1 2 3 4 5 6 7; do seq -f "[INFO]  worker  thread $thread record %g" 0 999; done)
+" "$work/threads.sorted"
 
 # A program that writes a sign itself, whatever way it is linked, is understood.
 printf '#include <ConfigFileINI/ConfigFileINI.h>
