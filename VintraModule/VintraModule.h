@@ -112,10 +112,10 @@ typedef enum LogMode VINTRA_ENUM_BASE {
 typedef struct LogConfigRec {
   /* Folder, base name and extension, for example "/var/log/app/app.log". A name that does not begin with '/'
    * is placed under the folder of this library's own file, not under the working directory; a library loaded
-   * by a relative path has a relative folder, which follows chdir. The folder, up to 248 characters, is made
-   * if it is missing; '\' separates components like '/'. Base name and extension (from its '.' on) have up to
-   * 63 characters each, and a longer one is refused: cut, it could name another log's file. The path of every
-   * file has up to 259 characters, with the date and number that the mode adds. */
+   * by a relative path has a relative folder, which follows chdir. The folder, up to 248 characters with the
+   * '/' behind it, is made if it is missing; '\' separates components like '/'. Base name and extension (from
+   * its '.' on) have up to 63 characters each, and a longer one is refused: cut, it could name another log's
+   * file. The path of every file has up to 259 characters, with the date and number that the mode adds. */
   sint8 log_file_name[VINTRA_PATH_SIZE];
   LogMode log_mode;
   LogLevel log_level; /* the threshold, fixed for the handle's life */
@@ -307,22 +307,9 @@ VINTRA_API sint32 GetEncryptData(const sint8* sourceData, uint32 sourcelength, s
  * be opened, after which the handle stays without a file; 7, 10, 12, after which the next record may well
  * succeed. Except for a failure of writing or flushing (7), nothing of a refused record is in the file.
  *
- * Each function has two names, of which the second is for sources that use <syslog.h> or another header that
- * makes the first one a macro. A plain name that is a macro already is not declared.
+ * Each function has a second name, vintra_info for LOG_INFO and so on, for sources that use <syslog.h> or
+ * another header that makes the first one a macro. A plain name that is a macro already is not declared.
  */
-#define VINTRA_LEVEL_ALIAS(alias, name) \
-  VINTRA_API sint32 alias(LOGHANDLE log_handle, const sint8* format, ...) __asm__(name) VINTRA_PRINTF(2, 3)
-
-VINTRA_LEVEL_ALIAS(vintra_trace, "LOG_TRACE");
-VINTRA_LEVEL_ALIAS(vintra_debug, "LOG_DEBUG");
-VINTRA_LEVEL_ALIAS(vintra_info, "LOG_INFO");
-VINTRA_LEVEL_ALIAS(vintra_notice, "LOG_NOTICE");
-VINTRA_LEVEL_ALIAS(vintra_warn, "LOG_WARN");
-VINTRA_LEVEL_ALIAS(vintra_error, "LOG_ERROR");
-VINTRA_LEVEL_ALIAS(vintra_crit, "LOG_CRIT");
-VINTRA_LEVEL_ALIAS(vintra_fatal, "LOG_FATAL");
-#undef VINTRA_LEVEL_ALIAS
-
 #ifndef LOG_TRACE
 VINTRA_API sint32 LOG_TRACE(LOGHANDLE log_handle, const sint8* format, ...) VINTRA_PRINTF(2, 3);
 #endif
@@ -347,6 +334,19 @@ VINTRA_API sint32 LOG_CRIT(LOGHANDLE log_handle, const sint8* format, ...) VINTR
 #ifndef LOG_FATAL
 VINTRA_API sint32 LOG_FATAL(LOGHANDLE log_handle, const sint8* format, ...) VINTRA_PRINTF(2, 3);
 #endif
+
+#define VINTRA_LEVEL_ALIAS(alias, name) \
+  VINTRA_API sint32 alias(LOGHANDLE log_handle, const sint8* format, ...) __asm__(name) VINTRA_PRINTF(2, 3)
+
+VINTRA_LEVEL_ALIAS(vintra_trace, "LOG_TRACE");
+VINTRA_LEVEL_ALIAS(vintra_debug, "LOG_DEBUG");
+VINTRA_LEVEL_ALIAS(vintra_info, "LOG_INFO");
+VINTRA_LEVEL_ALIAS(vintra_notice, "LOG_NOTICE");
+VINTRA_LEVEL_ALIAS(vintra_warn, "LOG_WARN");
+VINTRA_LEVEL_ALIAS(vintra_error, "LOG_ERROR");
+VINTRA_LEVEL_ALIAS(vintra_crit, "LOG_CRIT");
+VINTRA_LEVEL_ALIAS(vintra_fatal, "LOG_FATAL");
+#undef VINTRA_LEVEL_ALIAS
 
 #ifdef __cplusplus
 }

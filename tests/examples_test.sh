@@ -25,16 +25,10 @@ $(stat -f -c '%s %b' / | awk '{ printf "Hard Disk Size: %dMB. ", $1 * $2 / 10485
 [INFO]    [hello.cpp] [20] listening on port 8080
 [WARN]    [hello.cpp] [21] disk /var is 93.5% full" "$work/hello.log"
 
-lines='[INFO]  lines  one
-[INFO]  lines  two %s
-[INFO]  lines  
-[INFO]  lines  last'
-log_lines="$1/vintra_log_lines"
 edit_ini="$1/vintra_edit_ini"
 walk="$1/vintra_walk"
-printf 'one\ntwo %%s\n\nlast' >"$work/input"
 printf '# a log\r\n[log]\nlevel=log_level_info\nfile_name=x' >"$work/log.ini"
-for setting in "file_name $work/simple.log" 'module_name lines' 'format %D' 'format %D%T%E%N' 'mode Log_Mode_Simple'; do
+for setting in 'file_name /a/simple.log' 'module_name lines' 'format %D' 'format %D%T%E%N' 'mode Log_Mode_Simple'; do
   "$edit_ini" set "$work/log.ini" log "${setting% *}" "${setting#* }"
 done
 expect edit_ini '# a log
@@ -44,29 +38,11 @@ mode=Log_Mode_Simple
 format=%D%T%E%N
 module_name=lines
 level=log_level_info
-file_name='"$work"'/simple.log
+file_name=/a/simple.log
 ' "$work/log.ini"
-[ "$("$log_lines" "$work/log.ini" log <"$work/input")" = 4 ]
-"$1/vintra_convert" "$work/simple.log" "$work/simple.txt"
-expect "log_lines and convert" "$lines" "$work/simple.txt"
-if "$log_lines" "$work/log.ini" logs </dev/null 2>/dev/null; then
-  echo "failed: log_lines takes a section that is missing"
-  exit 1
-fi
-if "$1/vintra_convert" "$work/input" /dev/full 2>/dev/null; then
-  echo "failed: convert says nothing of a full disk"
-  exit 1
-fi
-# A folder is no log. The library says so beside its own file.
-"$edit_ini" set "$work/log.ini" log file_name "$work"
-if "$log_lines" "$work/log.ini" log </dev/null 2>/dev/null; then
-  echo "failed: log_lines takes a folder for a log"
-  exit 1
-fi
-tail -n 1 "$3/LogModuleErrMsg.log" | grep -F "LOG_MODULE_INIT_Ex open file($work) for write failed."
 [ "$("$edit_ini" list "$work/log.ini" | head -n 2)" = "$(printf '[log]\nmode=Log_Mode_Simple')" ]
-[ "$("$walk" "$work" simple.txt)" = "$work/simple.txt" ]
-[ "$("$walk" "$work" | wc -l)" -ge 4 ]
+[ "$("$walk" "$work" log.ini)" = "$work/log.ini" ]
+[ "$("$walk" "$work" | wc -l)" -ge 3 ]
 if "$edit_ini" get "$work/log.ini" log missing 2>/dev/null || "$edit_ini" set "$work/log.ini" log k+ v 2>/dev/null; then
   echo "failed: edit_ini says nothing of a key that is missing or refused"
   exit 1

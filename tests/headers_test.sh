@@ -8,6 +8,7 @@ shift
 log='#include <VintraModule/VintraModule.h>'
 folder='#include <FolderModule/FolderModule.h>'
 ini='#include <ConfigFileINI/ConfigFileINI.h>'
+all='#include <vintra.h>'
 syslog='#include <syslog.h>'
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
@@ -22,13 +23,10 @@ compile() {
 # Each source makes a record by the alias, and by the plain name where no macro has taken it.
 use='int use_it(LOGHANDLE h); int use_it(LOGHANDLE h) { return (int)vintra_info(VINTRA_HERE(h), "%d", 1); }'
 plain='int plain(LOGHANDLE h); int plain(LOGHANDLE h) { return (int)LOG_INFO(h, "%s", "x"); }'
-sizes='typedef char plain_record[sizeof(LogConfigRec) == 348 ? 1 : -1];
-typedef char extended_record[sizeof(LogConfigRecEx) == 548 ? 1 : -1];'
 paths='void split(const char* p); void split(const char* p) { SplitPath(p, 0, 0, 0, 0); }'
 signs='uint32 sign(void); uint32 sign(void) { NoteLineSign = 59; return SetConfigINISign(0, 0, 0, 0, 0); }'
 i=0
 for text in "$log
-$sizes
 $use
 $plain" "$folder
 $paths" "$ini
@@ -39,7 +37,11 @@ $signs" "$log
 $log
 $use" "$folder
 $folder
-$paths" "$log
+$paths" "$all
+$all
+$paths
+$signs
+$use" "$log
 $folder
 $use" "$folder
 $log

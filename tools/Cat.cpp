@@ -1,0 +1,111 @@
+// vintra cat: scrambled logs as text.
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "tools/Command.h"
+#include "tools/Follow.h"
+#include "tools/Output.h"
+#include "tools/Progress.h"
+
+namespace {
+
+constexpr char kHelp[] = R"(Usage: vintra cat [-f] [FILE...]
+
+Writes scrambled logs as text to standard output, one after the other; standard input where no FILE is named,
+or FILE is "-". Text comes out scrambled, in the same way.
+
+  -f, --follow   go on as the files grow, are emptied or replaced, also one that is not there yet
+  -h, --help     this text
+
+Exits with 0, with 1 when something could not be read or written, with 2 when it was called wrongly.
+)";
+
+struct Source {
+  std::string name;
+  bool is_input;       // standard input
+  bool is_regular;     // a file that can be followed, or may become one
+  std::uint64_t size;  // 0 where it is not known
+};
+
+Source Examine(const char* name) {
+  Source source{name, std::strcmp(name, "-") == 0, false, 0};
+  struct stat status = {};
+  const int result = source.is_input ? fstat(STDIN_FILENO, &status) : stat(name, &status);
+  source.is_regular = result != 0 || S_ISREG(status.st_mode);
+  if (result == 0 && source.is_regular) source.size = static_cast<std::uint64_t>(status.st_size);
+  return source;
+}
+
+// Whether descriptor is the file that standard output appends to: reading it would not end.
+bool IsOutput(int descriptor) {
+  struct stat input = {};
+  struct stat output = {};
+  return fstat(descriptor, &input) == 0 && fstat(STDOUT_FILENO, &output) == 0 && S_ISREG(output.st_mode) &&
+         input.st_dev == output.st_dev && input.st_ino == output.st_ino;
+}
+
+// Puts out a whole source. Returns false when it cannot be read.
+bool PutWhole(const Source& source, Output& output, Progress& progress) {
+  const Descriptor file(source.is_input ? fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 0)
+                                        : open(source.name.c_str(), O_RDONLY | O_CLOEXEC));
+  const char* name = source.is_input ? "standard input" : source.name.c_str();
+  if (file && IsOutput(file.get())) {
+    Fail("%s: is standard output too", name);
+    return false;
+  }
+  std::vector<char> block(128 * 1024);
+  ssize_t got = -1;
+  while (file && !output.failed() && (got = read(file.get(), block.data(), block.size())) != 0) {
+    if (got < 0 && errno == EINTR) continue;
+    if (got < 0) break;
+    auto length = static_cast<uint32>(got);
+    GetEncryptData(block.data(), length, block.data(), &length);
+    output.Put(&source, {block.data(), length});
+    progress.Add(length);
+  }
+  if (got < 0) FailOn(name);
+  return got >= 0;
+}
+
+}  // namespace
+
+int Cat(int argc, char** argv) {
+  constexpr option kOptions[] = {
+      {"follow", no_argument, nullptr, 'f'}, {"help", no_argument, nullptr, 'h'}, {}};
+  bool follow = false;
+  for (int letter; (letter = getopt_long(argc, argv, "fh", kOptions, nullptr)) != -1;) {
+    if (letter == 'h') return std::fputs(kHelp, stdout) < 0 ? kFailed : kDone;
+    if (letter != 'f') return HintAtHelp(argv[0]);
+    follow = true;
+  }
+
+  std::vector<Source> sources;
+  for (int i = optind; i < argc; ++i) sources.push_back(Examine(argv[i]));
+  if (sources.empty()) sources.push_back(Examine("-"));
+  std::uint64_t total = 0;
+  for (const Source& source : sources) total += source.size;
+
+  Output output;
+  const bool on_terminal = isatty(STDOUT_FILENO) == 1;
+  Progress progress(total, !follow && !on_terminal);
+  std::vector<FollowedLog> followed;
+  bool read_all = true;
+  for (const Source& source : sources) {
+    if (output.failed()) break;
+    if (follow && source.is_regular && !source.is_input) {
+      followed.emplace_back(source.name);
+    } else {
+      read_all = PutWhole(source, output, progress) && read_all;
+    }
+  }
+  if (!followed.empty()) Follow(followed, output);
+  if (on_terminal) output.EndLine();  // the last record has no line end, and a prompt comes next
+  return read_all && !output.failed() ? kDone : kFailed;
+}

@@ -1,0 +1,47 @@
+// What the subcommands of vintra share: how they are called, how they complain and what they exit with.
+#ifndef VINTRA_TOOLS_COMMAND_H
+#define VINTRA_TOOLS_COMMAND_H
+
+#include <getopt.h>
+#include <vintra.h>
+
+enum ExitCode { kDone = 0, kFailed = 1, kUsage = 2 };
+
+// The subcommands. Each takes its own name as argv[0] and returns an ExitCode.
+int Cat(int argc, char** argv);
+int Check(int argc, char** argv);
+int Write(int argc, char** argv);
+
+// Prints "vintra: " and the message to standard error, and returns kFailed.
+int Fail(const char* format, ...) VINTRA_PRINTF(1, 2);
+
+// Says what errno means for the subject, in the same way.
+int FailOn(const char* subject);
+
+// Prints where help is, once the mistake is named; name is argv[0] of a subcommand. Returns kUsage.
+int HintAtHelp(const char* name);
+
+// Names a mistake in the arguments, and where help is. Returns kUsage.
+int Misused(const char* name, const char* format, ...) VINTRA_PRINTF(2, 3);
+
+// What a result code of the library means to somebody who writes a log.
+const char* MeaningOf(sint32 code);
+
+// A descriptor that is closed with its owner.
+class Descriptor {
+ public:
+  explicit Descriptor(int descriptor = -1) : descriptor_(descriptor) {}
+  Descriptor(Descriptor&& other) noexcept : descriptor_(other.descriptor_) { other.descriptor_ = -1; }
+  Descriptor& operator=(Descriptor&& other) noexcept;
+  Descriptor(const Descriptor&) = delete;
+  Descriptor& operator=(const Descriptor&) = delete;
+  ~Descriptor();
+
+  [[nodiscard]] int get() const { return descriptor_; }
+  explicit operator bool() const { return descriptor_ >= 0; }
+
+ private:
+  int descriptor_;
+};
+
+#endif

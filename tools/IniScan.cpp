@@ -1,0 +1,136 @@
+#include "tools/IniScan.h"
+
+#include <algorithm>
+#include <string_view>
+
+#include "tools/Command.h"
+
+namespace {
+
+constexpr std::size_t kLongestLine = VINTRA_INI_LINE_SIZE - 1;
+constexpr std::string_view kBlanks = " \t";
+
+std::string_view TrimLeft(std::string_view text) {
+  text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
+  return text;
+}
+
+std::string_view Trim(std::string_view text) {
+  text = TrimLeft(text);
+  return text.substr(0, text.find_last_not_of(kBlanks) + 1);
+}
+
+// The lines of a text as the library takes them, with the numbers that an editor gives them.
+class Lines {
+ public:
+  explicit Lines(std::string_view text) : rest_(text) {}
+
+  // Takes the next line, up to kLongestLine bytes of it. Returns false at the end.
+  bool Next(std::string_view& line) {
+    if (rest_.empty()) return false;
+    number_ = next_number_;
+    const std::size_t end = rest_.substr(0, kLongestLine).find_first_of({"\n\r\0\f\x1A", 5});
+    if (end == rest_.npos) {
+      line = rest_.substr(0, kLongestLine);
+      rest_.remove_prefix(line.size());
+      return true;
+    }
+    const char last = rest_[end];
+    if (last == '\n') ++next_number_;
+    line = rest_.substr(0, last == '\f' || last == '\x1A' ? end + 1 : end);
+    rest_.remove_prefix(end + 1);
+    return true;
+  }
+
+  [[nodiscard]] int number() const { return number_; }
+
+ private:
+  std::string_view rest_;
+  int number_ = 0;
+  int next_number_ = 1;
+};
+
+bool ReadText(const char* file, std::string& text) {
+  int size = 0;
+  text.resize(1);
+  int result = CustomReadFile(file, text.data(), 0, &size);
+  while (result == -1) {  // again where it has grown
+    text.resize(static_cast<std::size_t>(size) + 1);
+    result = CustomReadFile(file, text.data(), size, &size);
+  }
+  text.resize(result == 1 ? static_cast<std::size_t>(size) : 0);
+  return result == 1;
+}
+
+// Moves behind the next line of a section of the name. Returns false at the end, and at a malformed line,
+// which problem then tells of.
+bool FindSection(Lines& lines, std::string_view section, const char*& problem) {
+  for (std::string_view line; lines.Next(line);) {
+    line = Trim(line);
+    if (line.empty() || line.front() == NoteLineSign || line.front() != SectionSymbolLeft) continue;
+    if (line.size() < 3) continue;  // the empty name
+    if (line.back() != SectionSymbolRight) {
+      problem = "the line of a section does not end in ']'";
+      return false;
+    }
+    if (line.substr(1, line.size() - 2) == section) return true;
+  }
+  return false;
+}
+
+// Appends the lines that line goes on with. Returns false where it becomes too long to be read.
+bool JoinContinuations(Lines& lines, std::string& line) {
+  bool goes_on = line.back() == ConnectLineSign;
+  if (goes_on) line.pop_back();
+  for (std::string_view piece; goes_on && lines.Next(piece);) {
+    piece = TrimLeft(piece);
+    goes_on = !piece.empty() && piece.back() == ConnectLineSign;
+    if (goes_on) piece.remove_suffix(1);
+    line += piece;
+    if (line.size() > kLongestLine) return false;
+  }
+  return true;
+}
+
+// What is wrong with a whole line of a key, or null.
+const char* ProblemOf(std::string_view line) {
+  const std::size_t separator = line.find(KeyValueSplitSign);
+  if (separator == line.npos) return "the line has no '='";
+  return separator == 0 ? "the line begins with '='" : nullptr;
+}
+
+void ScanKeys(Lines& lines, IniSection& found) {
+  for (std::string_view next; lines.Next(next);) {
+    std::string line(Trim(next));
+    if (line.empty() || line.front() == NoteLineSign) continue;
+    if (line.front() == SectionSymbolLeft) return;
+    const int number = lines.number();
+    const char* problem = JoinContinuations(lines, line) ? ProblemOf(line) : "the line is too long";
+    if (problem != nullptr) {
+      found.bad_line = number;
+      found.problem = problem;
+      return;
+    }
+    found.keys.push_back(
+        {std::string(Trim(std::string_view(line).substr(0, line.find(KeyValueSplitSign)))), number});
+  }
+}
+
+}  // namespace
+
+IniSection ScanSection(const char* file, std::string_view section) {
+  IniSection found;
+  std::string text;
+  found.readable = ReadText(file, text);
+  Lines lines(text);
+  if (!FindSection(lines, section, found.problem)) {
+    if (*found.problem != '\0') found.bad_line = lines.number();
+    return found;
+  }
+  found.line = lines.number();
+  Lines behind = lines;
+  ScanKeys(lines, found);
+  const char* not_looked_at = "";
+  if (FindSection(behind, section, not_looked_at)) found.repeated = behind.number();
+  return found;
+}

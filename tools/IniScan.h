@@ -1,0 +1,27 @@
+// Where things stand in an INI file, by line, which the library's own functions do not tell.
+#ifndef VINTRA_TOOLS_INISCAN_H
+#define VINTRA_TOOLS_INISCAN_H
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+struct IniKey {
+  std::string name;
+  int line;  // of the file, from 1
+};
+
+// A section as lookups see it: the first one of its name, up to the line that ends their search.
+struct IniSection {
+  bool readable = false;  // the file; errno says why not
+  int line = 0;           // of the section; 0 where it is not there
+  int repeated = 0;       // line of a second section of the name, or 0
+  std::vector<IniKey> keys;
+  // The line that hides what is behind it, and what is wrong with it; 0 where there is none.
+  int bad_line = 0;
+  const char* problem = "";
+};
+
+IniSection ScanSection(const char* file, std::string_view section);
+
+#endif

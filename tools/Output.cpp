@@ -1,0 +1,31 @@
+#include "tools/Output.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+
+#include "tools/Command.h"
+
+bool Output::Put(const void* source, std::string_view text) {
+  if (text.empty()) return !failed_;
+  const bool begins_with_line_end = text.front() == '\r' || text.front() == '\n';
+  if (source != source_ && !begins_with_line_end) EndLine();
+  source_ = source;
+  return Write(text);
+}
+
+bool Output::EndLine() { return last_ == '\n' || Write("\r\n"); }
+
+bool Output::Write(std::string_view text) {
+  last_ = text.back();
+  while (!failed_ && !text.empty()) {
+    const ssize_t written = write(STDOUT_FILENO, text.data(), text.size());
+    if (written >= 0) {
+      text.remove_prefix(static_cast<std::size_t>(written));
+    } else if (errno != EINTR) {
+      FailOn("standard output");
+      failed_ = true;
+    }
+  }
+  return !failed_;
+}

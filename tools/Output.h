@@ -1,0 +1,32 @@
+// Text of logs on its way to standard output.
+#ifndef VINTRA_TOOLS_OUTPUT_H
+#define VINTRA_TOOLS_OUTPUT_H
+
+#include <string_view>
+
+class Output {
+ public:
+  // Writes text to standard output at once, without a buffer of its own. source tells logs apart: the last
+  // record of a log has no line end, so where another one goes on the line is ended first. Returns false when
+  // writing fails, which it reports; all later calls do nothing.
+  bool Put(const void* source, std::string_view text);
+
+  // Says that what source puts out next is from the beginning of a file again.
+  void Restart(const void* source) {
+    if (source == source_) source_ = nullptr;
+  }
+
+  // Ends the line that is begun, if any.
+  bool EndLine();
+
+  [[nodiscard]] bool failed() const { return failed_; }
+
+ private:
+  bool Write(std::string_view text);
+
+  const void* source_ = nullptr;
+  char last_ = '\n';
+  bool failed_ = false;
+};
+
+#endif

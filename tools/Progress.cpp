@@ -1,0 +1,36 @@
+#include "tools/Progress.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cinttypes>
+#include <cstdio>
+
+namespace {
+
+constexpr std::uint64_t kMebibyte = 1024 * 1024;
+constexpr std::uint64_t kWorthShowing = 8 * kMebibyte;
+constexpr auto kInterval = std::chrono::milliseconds(100);
+
+}  // namespace
+
+Progress::Progress(std::uint64_t total, bool terminal_is_free)
+    : total_(total),
+      shown_(terminal_is_free && total >= kWorthShowing && isatty(STDERR_FILENO) == 1),
+      next_(std::chrono::steady_clock::now()) {}
+
+Progress::~Progress() {
+  if (shown_) std::fputs("\r\033[K", stderr);
+}
+
+void Progress::Add(std::uint64_t bytes) {
+  done_ += bytes;
+  if (!shown_) return;
+  const auto now = std::chrono::steady_clock::now();
+  if (now < next_) return;
+  next_ = now + kInterval;
+  // The input may grow while it is read.
+  const std::uint64_t percent = std::min<std::uint64_t>(done_ * 100 / total_, 100);
+  std::fprintf(stderr, "\r%3" PRIu64 "%%  %" PRIu64 " of %" PRIu64 " MiB", percent, done_ / kMebibyte,
+               std::max(done_, total_) / kMebibyte);
+}

@@ -1,0 +1,59 @@
+// vintra: a command for people, on top of the library's public interface.
+#include <cstdio>
+#include <cstring>
+
+#include "tools/Command.h"
+
+namespace {
+
+struct Subcommand {
+  const char* name;
+  const char* full_name;  // as getopt's messages and the hints to help name it
+  int (*run)(int argc, char** argv);
+};
+
+constexpr Subcommand kSubcommands[] = {
+    {"cat", "vintra cat", Cat}, {"write", "vintra write", Write}, {"check", "vintra check", Check}};
+
+constexpr char kHelp[] = R"(Usage: vintra COMMAND [OPTION...] [ARGUMENT...]
+
+  vintra cat [-f] [FILE...]                 scrambled logs as text
+  vintra write -c INI -s SECTION            standard input into a log, a record a line
+  vintra check INI [SECTION...]             what the log sections of an INI file mean
+  vintra COMMAND --help                     what else a command can do
+
+  -h, --help     this text
+  -V, --version  the version
+)";
+
+int Run(int argc, char** argv) {
+  if (argc < 2) return Misused("vintra", "no command given");
+  for (const Subcommand& subcommand : kSubcommands) {
+    if (std::strcmp(argv[1], subcommand.name) != 0) continue;
+    argv[1] = const_cast<char*>(subcommand.full_name);
+    return subcommand.run(argc - 1, argv + 1);
+  }
+  constexpr option kOptions[] = {
+      {"help", no_argument, nullptr, 'h'}, {"version", no_argument, nullptr, 'V'}, {}};
+  switch (getopt_long(argc, argv, "+hV", kOptions, nullptr)) {
+    case 'h':
+      std::fputs(kHelp, stdout);
+      return kDone;
+    case 'V':
+      std::printf("vintra %d.%d.%d\n", VINTRA_VERSION_MAJOR, VINTRA_VERSION_MINOR, VINTRA_VERSION_PATCH);
+      return kDone;
+    case '?':
+      return HintAtHelp("vintra");
+    default:
+      return Misused("vintra", "no such command: %s", argv[1]);
+  }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const int code = Run(argc, argv);
+  // What is still in the buffer may meet a full disk.
+  if (std::fflush(stdout) != 0 && code == kDone) return FailOn("standard output");
+  return code;
+}
