@@ -41,4 +41,5 @@ build() {
 # A newer compiler's warnings fail our own builds, not those of somebody who tries the library.
 warnings_as_errors=${VINTRA_WARNINGS_AS_ERRORS:-OFF}
 build_packages=(cmake ninja-build g++ libc6-dev)
-test_packages=("${build_packages[@]}" libgtest-dev clang)
+man_packages=(doxygen lowdown)
+test_packages=("${build_packages[@]}" "${man_packages[@]}" libgtest-dev clang pkg-config man-db dpkg-dev file)

@@ -1,0 +1,12 @@
+#!/bin/sh
+# Turns a page of docs/ into a compressed manual page: page.sh PAGE OUTPUT NAME SECTION VERSION SUMMARY
+set -eu
+{
+  printf 'title: %s\nsection: %s\nsource: Vintra %s\nvolume: Vintra\n\n# NAME\n\n%s - %s\n\n# DESCRIPTION\n' \
+    "$3" "$4" "$5" "$3" "$6"
+  # The page's title is the NAME here, and headings are one level higher. Links are text, as there is nothing to follow.
+  sed -E -e '1d' -e 's/^##/#/' -e 's/\[[a-z]+\.md\]\(configuration\.md\)/**vintra-log**(5)/g' \
+    -e 's/\[[a-z]+\.md\]\(ini\.md\)/**vintra-ini**(5)/g' -e 's/\[[a-z]+\.md\]\(command\.md\)/**vintra**(1)/g' \
+    -e 's/\[([^]]*)\]\([^)]*\)/\1/g' "$1"
+} | lowdown -s -Tman --out-no-smarty | awk -f "$(dirname "$0")/tables.awk" |
+  sed -e "1s/^/'\\\\\" t\n/" -e '/^\.TH/a .na' | gzip -9n >"$2"

@@ -1,0 +1,66 @@
+#!/bin/sh
+# What is installed serves programs in C and C++ through CMake and through pkg-config, from whatever prefix, and the
+# manual pages render. Usage: install_test.sh CMAKE BUILD_DIR SOURCE_DIR CC CXX LIBDIR
+set -eu
+cmake=$1
+build=$2
+source_dir=$3
+cc=$4
+cxx=$5
+libdir=$6
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+
+fail() {
+  echo "failed: $*"
+  exit 1
+}
+
+# use HOW PROGRAM PREFIX LANGUAGE: the program finds the library by its SONAME, in the prefix
+use() {
+  rm -f "$work/app.log"
+  [ "$("$2" "$work/app.log")" = "$3/$libdir/" ] || fail "$1: the library lies elsewhere"
+  [ "$("$3/bin/vintra" cat "$work/app.log")" = "[INFO]    from $4" ] || fail "$1: the log is not what was written"
+}
+
+for prefix in "$work/one" "$work/two words"; do
+  "$cmake" --install "$build" --prefix "$prefix" >"$work/installed"
+  [ "$(readlink "$prefix/$libdir/libvintra.so")" = libvintra.so.1 ] || fail "libvintra.so leads elsewhere"
+  (cd "$prefix/include/vintra" && find . -type f | sort | tr '\n' ' ') >"$work/headers"
+  [ "$(cat "$work/headers")" = './Common/BaseTypes.h ./ConfigFileINI/ConfigFileINI.h ./FolderModule/FolderModule.h ./VintraModule/VintraModule.h ./vintra.h ' ] ||
+    fail "other headers are installed: $(cat "$work/headers")"
+
+  "$cmake" -S "$source_dir/tests/consumer" -B "$prefix/build" -DCMAKE_PREFIX_PATH="$prefix" \
+    -DCMAKE_C_COMPILER="$cc" -DCMAKE_CXX_COMPILER="$cxx" >"$work/configured" 2>&1 || { cat "$work/configured"; exit 1; }
+  "$cmake" --build "$prefix/build" >"$work/built" 2>&1 || { cat "$work/built"; exit 1; }
+  use "CMake, C" "$prefix/build/consumer_c" "$prefix" C
+  use "CMake, C++" "$prefix/build/consumer_cxx" "$prefix" C++
+
+  export PKG_CONFIG_PATH="$prefix/$libdir/pkgconfig"
+  [ "$(pkg-config --modversion vintra)" = "$("$prefix/bin/vintra" --version | cut -d ' ' -f 2)" ] || fail "another version"
+  flags=$(pkg-config --cflags --libs vintra)
+  # The paths of a host's own choice may have blanks, which pkg-config marks for a shell.
+  eval "'$cc' -std=c99 '$source_dir/tests/consumer/consumer.c' -o '$work/consumer' $flags '-Wl,-rpath,$prefix/$libdir'"
+  use "pkg-config, C" "$work/consumer" "$prefix" C
+  eval "'$cxx' -std=c++11 '$source_dir/tests/consumer/consumer.cpp' -o '$work/consumer' $flags '-Wl,-rpath,$prefix/$libdir'"
+  use "pkg-config, C++" "$work/consumer" "$prefix" C++
+done
+
+pages=$work/one/share/man
+[ -d "$pages" ] || { echo "manual pages were not built, and so are not tested"; exit 0; }
+for page in "$pages"/man?/*; do
+  warnings=$(cd "$pages" && LC_ALL=C.UTF-8 man --warnings -E UTF-8 -Tutf8 -l "$page" 2>&1 >"$work/raw")
+  sed "s/.$(printf '\b')//g" "$work/raw" >"$work/page" # without the marks of bold type
+  # A page that leads to another one is looked up from where it is installed.
+  [ -z "$warnings" ] || fail "$page: $warnings"
+  grep -q '^NAME' "$work/page" || fail "$page has no name"
+  ! grep -n 'QUOTATION-MARK\|\.fi$\|@endverbatim' "$work/page" || fail "$page shows what was meant for a tool"
+done
+for name in $(sed 's/@.*//; /^_Z/d' "$source_dir/tests/exports.txt"); do
+  [ -e "$pages/man3/$name.3.gz" ] || fail "no manual page for $name"
+done
+for page in vintra.1 vintra-log.5 vintra-ini.5; do
+  [ -e "$pages/man${page##*.}/$page.gz" ] || fail "no manual page $page"
+done
+MANPATH=$pages LC_ALL=C.UTF-8 man LOG_INFO | grep -q 'Write one record of a level' || fail "man LOG_INFO leads nowhere"
+echo "$(ls "$pages"/man?/* | wc -l) manual pages"
