@@ -27,6 +27,8 @@ or FILE is "-". Text comes out scrambled, in the same way.
 Exits with 0, with 1 when something could not be read or written, with 2 when it was called wrongly.
 )";
 
+constexpr std::size_t kBlockSize = 131072;
+
 struct Source {
   std::string name;
   bool is_input;       // standard input
@@ -60,7 +62,7 @@ bool PutWhole(const Source& source, Output& output, Progress& progress) {
     Fail("%s: is standard output too", name);
     return false;
   }
-  std::vector<char> block(128 * 1024);
+  std::vector<char> block(kBlockSize);
   ssize_t got = -1;
   while (file && !output.failed() && (got = read(file.get(), block.data(), block.size())) != 0) {
     if (got < 0 && errno == EINTR) continue;

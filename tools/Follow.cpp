@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr std::size_t kBlockSize = 128 * 1024;
+constexpr std::size_t kBlockSize = 131072;
 constexpr std::size_t kTailSize = 256;
 constexpr int kInterval = 100;  // milliseconds between two looks
 

@@ -30,7 +30,7 @@ class Lines {
     if (rest_.empty()) return false;
     number_ = next_number_;
     const std::size_t end = rest_.substr(0, kLongestLine).find_first_of({"\n\r\0\f\x1A", 5});
-    if (end == rest_.npos) {
+    if (end == std::string_view::npos) {
       line = rest_.substr(0, kLongestLine);
       rest_.remove_prefix(line.size());
       return true;
@@ -95,7 +95,7 @@ bool JoinContinuations(Lines& lines, std::string& line) {
 // What is wrong with a whole line of a key, or null.
 const char* ProblemOf(std::string_view line) {
   const std::size_t separator = line.find(KeyValueSplitSign);
-  if (separator == line.npos) return "the line has no '='";
+  if (separator == std::string_view::npos) return "the line has no '='";
   return separator == 0 ? "the line begins with '='" : nullptr;
 }
 

@@ -14,7 +14,7 @@
 
 namespace {
 
-constexpr std::size_t kBlockSize = 64 * 1024;
+constexpr std::size_t kBlockSize = 65536;
 constexpr int kPause = 1000;  // milliseconds without input, after which what there was is flushed
 
 // The size of standard input where it is a file, else 0.

@@ -140,10 +140,10 @@ Setting Unused(const Source& source, const char* mode) {
 
 // The first directive of a format that is none of letters, or nothing.
 std::string UnknownDirective(std::string_view format, std::string_view letters) {
-  for (std::size_t at = format.find('%'); at != format.npos; at = format.find('%', at + 1)) {
+  for (std::size_t at = format.find('%'); at != std::string_view::npos; at = format.find('%', at + 1)) {
     at = format.find_first_not_of(' ', at + 1);
-    if (at == format.npos) return "%";
-    if (letters.find(format[at]) == letters.npos) return std::string("%") + format[at];
+    if (at == std::string_view::npos) return "%";
+    if (letters.find(format[at]) == std::string_view::npos) return std::string("%") + format[at];
   }
   return "";
 }

@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr std::uint64_t kMebibyte = 1024 * 1024;
+constexpr std::uint64_t kMebibyte = 1 << 20;
 constexpr std::uint64_t kWorthShowing = 8 * kMebibyte;
 constexpr auto kInterval = std::chrono::milliseconds(100);
 

@@ -73,9 +73,9 @@ const Row* FindRow(const Row (&rows)[N], std::string_view prefix, const char* na
 
 // What the arguments say.
 struct Request {
-  const char* config = nullptr;
-  const char* section = nullptr;
-  const char* file = nullptr;
+  const char* config = "";
+  const char* section = "";
+  const char* file = "";
   const char* file_option = nullptr;  // one that only goes with --file
   const Level* level = kInfo;
   bool keep_going = false;
@@ -91,7 +91,7 @@ bool ParseNumber(std::string_view text, bool size, uint32& number) {
   const std::string_view unit = text.substr(static_cast<std::size_t>(rest - text.data()));
   if (!unit.empty()) {
     const std::size_t power = kUnits.find(unit);
-    if (!size || power == kUnits.npos || unit.size() != 1) return false;
+    if (!size || power == std::string_view::npos || unit.size() != 1) return false;
     value <<= 10 * (power + 1);
   }
   number = static_cast<uint32>(value);
@@ -115,10 +115,13 @@ bool Take(int letter, Request& request) {
     case 's':
       request.section = optarg;
       return true;
-    case 'f':
+    case 'f': {
       request.file = optarg;
       // The library would place a relative name beside its own file.
-      return *optarg != '\0' && Store(record.log_file_name, std::filesystem::absolute(optarg).native());
+      std::error_code error;
+      const std::filesystem::path path = std::filesystem::absolute(optarg, error);
+      return *optarg != '\0' && !error && Store(record.log_file_name, path.native());
+    }
     case 'm': {
       const Mode* mode = FindRow(kModes, "Log_Mode_", optarg);
       if (mode != nullptr) record.log_mode = mode->mode;
@@ -184,12 +187,12 @@ int Parse(int argc, char** argv, Request& request) {
     if (std::strchr("cslkf", letter) == nullptr) request.file_option = taken.name;
   }
   if (optind < argc) return Misused(argv[0], "\"%s\" is no option", argv[optind]);
-  if (request.file != nullptr) {
-    if (request.config != nullptr || request.section != nullptr)
+  if (*request.file != '\0') {
+    if (*request.config != '\0' || *request.section != '\0')
       return Misused(argv[0], "--file does not go with --config and --section");
     return kDone;
   }
-  if (request.config == nullptr || request.section == nullptr)
+  if (*request.config == '\0' || *request.section == '\0')
     return Misused(argv[0], "which log? --file, or --config and --section, say so");
   if (request.file_option != nullptr) return Misused(argv[0], "--%s goes with --file", request.file_option);
   return kDone;
@@ -220,7 +223,7 @@ int OpenSection(const Request& request, LOGHANDLE& log) {
 }
 
 int Open(const Request& request, LOGHANDLE& log) {
-  if (request.file == nullptr) return OpenSection(request, log);
+  if (*request.file == '\0') return OpenSection(request, log);
   const sint32 code = LOG_MODULE_INIT_New_Ex(&request.record, &log);
   return code == 0 ? kDone : FailToOpen(request.record.log_file_name, code);
 }
