@@ -1,14 +1,16 @@
 #!/bin/sh
 # rsyslog forwards logs, and lnav reads them, by the files of integrations/, with nothing but places changed.
-# Usage: forwarding_test.sh SOURCE_DIR LIBRARY_DIR CC [SANITIZERS]; 77 when neither program is there
+# Usage: forwarding_test.sh SOURCE_DIR LIBRARY_DIR VINTRA CC [SANITIZERS]; 77 when neither program is there
 set -eu
 export LC_ALL=C TZ=UTC PATH="$PATH:/usr/sbin:/sbin"
 work=$(mktemp -d)
+vintra=$3
 sender=
 receiver=
+follower=
 finish() {
   exec 3>&-
-  for process in $sender $receiver; do kill -9 "$process"; done
+  for process in $sender $receiver $follower; do kill -9 "$process"; done
   rm -rf "$work"
 }
 trap finish EXIT
@@ -75,10 +77,10 @@ int main(int argc, char** argv) {
   return 0;
 }
 END
-"$3" ${4:+-fsanitize=$4} -Wall -Wextra -Werror -I"$1" "$work/write.c" -o "$work/write" \
+"$4" ${5:+-fsanitize=$5} -Wall -Wextra -Werror -I"$1" "$work/write.c" -o "$work/write" \
   -L"$2" -lvintra "-Wl,-rpath,$2"
 
-# settings FILE_NAME MODE MAX_FILE_SIZE MAX_BACKUP_INDEX FORMAT MODULE
+# settings FILE_NAME MODE MAX_FILE_SIZE MAX_BACKUP_INDEX FORMAT MODULE [ENCRYPT]
 settings() {
   cat >"$work/app.ini" <<END
 [log]
@@ -89,7 +91,7 @@ max_backup_index=$4
 format=$5
 module_name=$6
 level=Log_Level_Trace
-encrypt=0
+encrypt=${7:-0}
 SysConfFormat=%N
 PidAndTid=%N
 END
@@ -209,6 +211,17 @@ END
   printf "warning app $day 12:00:00.007 [WARN]  net  %s\n" one 'two#012three' four >"$work/expected"
   check "records with their own line ends"
 
+  # A scrambled log by way of a plain file.
+  settings "$work/scrambled.log" Simple 1000000 0 %D%T%E%N net 1
+  "$vintra" cat -f "$work/scrambled.log" >>"$work/logs/plain.log" 2>/dev/null &
+  follower=$!
+  records 1 3 | write
+  arrivals 1 2 >"$work/expected"
+  check "a scrambled log"
+  kill "$follower"
+  wait "$follower" || true
+  follower=
+
   end_sender
 }
 
@@ -231,6 +244,10 @@ with_lnav() {
       1 1 debug 'a  b' 2 2 info "$(printf '"one\n  two\n[INFO]"')" 5 3 notice '[7] n' 6 4 warning w \
       7 5 error '[e] e' 8 6 critical '' 9 7 fatal 'the last'; } >"$work/expected"
     diff "$work/expected" "$work/seen" || failed "lnav on lines of $case"
+    # The command is its own inverse, and so makes a scrambled log of it.
+    "$vintra" cat "$work/lnav/app.log" >"$work/scrambled"
+    "$vintra" cat "$work/scrambled" | lnav -n -c ";select $columns from vintra_log" -c ':write-csv-to -' >"$work/seen"
+    diff "$work/expected" "$work/seen" || failed "lnav on scrambled lines of $case"
   done
 }
 
