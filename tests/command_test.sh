@@ -113,6 +113,7 @@ code=0
 printf 'a' | "$vintra" write -f /dev/full --flush-size 1K 2>err || code=$?
 [ $code = 1 ] && grep -q 'could not be flushed (7' err || fail "a flush on a full disk gives $code: $(cat err)"
 exits 1 "could not be opened (5.*LogModuleErrMsg.log" "$vintra" write -f "$work"
+exits 1 'standard input: Bad file descriptor' sh -c 'timeout 20 "$0" write -f closed.log <&-' "$vintra"
 exits 1 "could not be opened (1: its configuration" "$vintra" write -f "$work/"
 
 # SIGTERM and SIGINT store what is in the pipe, also what is not flushed yet and the beginning of a line.

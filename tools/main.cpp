@@ -1,6 +1,10 @@
 // vintra: a command for people, on top of the library's public interface.
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <cstdio>
 #include <cstring>
+#include <initializer_list>
 
 #include "tools/Command.h"
 
@@ -49,11 +53,21 @@ int Run(int argc, char** argv) {
   }
 }
 
+// Keeps the place of a standard stream that is closed, which a log would take otherwise. Using it still
+// fails.
+void KeepPlaces() {
+  for (const int place : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (fcntl(place, F_GETFD) < 0) open("/dev/null", place == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+  }
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
+  KeepPlaces();
   const int code = Run(argc, argv);
   // What is still in the buffer may meet a full disk.
-  if (std::fflush(stdout) != 0 && code == kDone) return FailOn("standard output");
+  const bool written = std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
+  if (!written && code == kDone) return FailOn("standard output");
   return code;
 }
