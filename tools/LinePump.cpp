@@ -24,16 +24,6 @@ std::uint64_t InputSize() {
   return is_file ? static_cast<std::uint64_t>(status.st_size) : 0;
 }
 
-// The first byte from begin on that ends a line, or end.
-const char* FindLineEnd(const char* begin, const char* end) {
-  if (begin == end) return end;
-  const auto find = [begin](char byte, const char* limit) {
-    const void* found = std::memchr(begin, byte, static_cast<std::size_t>(limit - begin));
-    return found == nullptr ? limit : static_cast<const char*>(found);
-  };
-  return find('\0', find('\n', end));
-}
-
 }  // namespace
 
 StopSignals::StopSignals() {
@@ -95,15 +85,13 @@ bool LinePump::WriteRecord(char* line, std::size_t length) {
 bool LinePump::WriteLines() {
   char* line = pending_.data();
   const char* const end = line + pending_.size();
-  const char* from = line + scanned_;
+  char* from = line + scanned_;
   bool goes_on = true;
   while (goes_on) {
-    const char* const line_end = FindLineEnd(from, end);
+    char* const line_end = from + std::strcspn(from, "\n");  // or a NUL, as at the end
     if (line_end == end) break;
-    const auto length = static_cast<std::size_t>(line_end - line);
-    goes_on = WriteRecord(line, length);
-    line += length + 1;
-    from = line;
+    goes_on = WriteRecord(line, static_cast<std::size_t>(line_end - line));
+    from = line = line_end + 1;
   }
   pending_.erase(0, static_cast<std::size_t>(line - pending_.data()));
   scanned_ = pending_.size();
