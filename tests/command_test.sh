@@ -92,7 +92,7 @@ encrypt = 0
 [none]
 file_name = $work/none.log
 END
-exits 1 'No such file\|cannot be read' "$vintra" write -c nothere.ini -s good
+exits 1 'nothere.ini: No such file' "$vintra" write -c nothere.ini -s good
 exits 1 'no section \[missing\]' "$vintra" write -c log.ini -s missing
 exits 1 'level: missing' "$vintra" write -c log.ini -s none
 exits 0 'drops every record of the level info' "$vintra" write -c log.ini -s good
@@ -234,7 +234,16 @@ wrong: the line has no '=', and hides what is behind it (line 24)
 wrong: a second section of the name, which nobody reads (line 26)
 END
 exits 1 'no section \[x\]' "$vintra" check check.ini x
-exits 1 'nothere.ini: cannot be read' "$vintra" check nothere.ini
+exits 1 'nothere.ini: No such file' "$vintra" check nothere.ini
+exits 1 '/dev/zero: Illegal seek' timeout 20 "$vintra" check /dev/zero
+printf '[\033[2J]\nmode=\177\nlevel=Log_Level_Info\nmode=\t' >signs.ini
+exits 0 '^\\x1B\[2J$' "$vintra" check signs.ini
+exits 1 'wrong: "\\x7F" is none' "$vintra" check signs.ini "$(printf '\033[2J')"
+# The number of a ring's file counts: 192 characters in front of the name, 3 and 4 behind it, and 259 in all.
+for length in 60 61; do
+  printf '[a]\nlevel=Log_Level_Info\nmode=Log_Mode_Rollback\nfile_name=/%0190d/%0*d.log\n' 0 $length 0 >length.ini
+  exits $((length - 60)) "\(0.log$\)\|start-up refuses a path of more than 259" "$vintra" check length.ini a
+done
 echo '[broken' >>check.ini
 exits 1 "check.ini:29: .*does not end in ']'" "$vintra" check check.ini
 exits 0 '^  file_name *default.log *default: missing' "$vintra" check check.ini long

@@ -62,7 +62,7 @@ void Show(const Setting& setting) {
   line = "  " + setting.key + line + setting.value;
   if (*label != '\0' || !setting.remark.empty()) line.resize(std::max<std::size_t>(line.size() + 2, 44), ' ');
   line += label + std::string(colon) + setting.remark;
-  line.erase(line.find_last_not_of(' ') + 1);
+  line = Printable(line.substr(0, line.find_last_not_of(' ') + 1));
   std::printf("%s%s%s\n", coloured ? colour : "", line.c_str(), coloured ? "\033[0m" : "");
 }
 
@@ -108,7 +108,7 @@ bool CheckSection(const char* file, const char* section) {
   }
   std::vector<Setting> settings = ReadLogSection(file, section).settings;
   for (Setting& extra : ExamineLines(lines, settings)) settings.push_back(std::move(extra));
-  std::printf("[%s]\n", section);
+  std::printf("[%s]\n", Printable(section).c_str());
   for (const Setting& setting : settings) Show(setting);
   return std::none_of(settings.begin(), settings.end(),
                       [](const Setting& setting) { return setting.verdict == Verdict::kWrong; });
@@ -125,7 +125,7 @@ bool ListSections(const char* file) {
     length = GetConfigFileSections(names.data(), static_cast<sint32>(names.size()), file);
   } while (static_cast<std::size_t>(length) + VINTRA_INI_LINE_SIZE + 2 > names.size());
   for (const char* name = names.data(); name < names.data() + length; name += std::strlen(name) + 1)
-    std::printf("%s\n", name);
+    std::printf("%s\n", Printable(name).c_str());
   if (lines.bad_line != 0)
     Fail("%s:%d: %s, and hides what is behind it", file, lines.bad_line, lines.problem);
   return lines.bad_line == 0;
@@ -141,7 +141,7 @@ int Check(int argc, char** argv) {
   }
   if (optind == argc) return Misused(argv[0], "no INI file named");
   const char* file = argv[optind];
-  if (!ScanSection(file, "\n").readable) return Fail("%s: cannot be read", file);
+  if (!ScanSection(file, "\n").readable) return FailOn(file);
   if (std::strlen(file) > kLongestArgument) return Fail("%s: more than 263 characters", file);
   if (optind + 1 == argc) return ListSections(file) ? kDone : kFailed;
   bool good = true;

@@ -1,5 +1,6 @@
 #include "tools/Command.h"
 
+#include <poll.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -10,10 +11,15 @@
 
 namespace {
 
+constexpr std::size_t kMessageSize = 16384;  // for a file, a section, a key and a value of the longest
+
+void Complain(const char* format, va_list args) VINTRA_PRINTF(1, 0);
+
 void Complain(const char* format, va_list args) {
-  std::fputs("vintra: ", stderr);
-  std::vfprintf(stderr, format, args);
-  std::fputc('\n', stderr);
+  char message[kMessageSize] = "";
+  std::vsnprintf(message, sizeof message, format, args);
+  ShowStatus("");
+  std::fprintf(stderr, "vintra: %s\n", Printable(message).c_str());
 }
 
 }  // namespace
@@ -27,6 +33,31 @@ int Fail(const char* format, ...) {
 }
 
 int FailOn(const char* subject) { return Fail("%s: %s", subject, std::strerror(errno)); }
+
+std::string Printable(std::string_view text) {
+  std::string result;
+  for (const char byte : text) {
+    const auto code = static_cast<unsigned char>(byte);
+    char escape[] = "\\xNN";
+    if (code < ' ' || code == 0x7F) std::snprintf(escape, sizeof escape, "\\x%02X", code);
+    result += code < ' ' || code == 0x7F ? std::string_view(escape) : std::string_view(&byte, 1);
+  }
+  return result;
+}
+
+void ShowStatus(const char* text) {
+  static bool shown = false;
+  if (shown) std::fputs("\r\033[K", stderr);
+  std::fputs(text, stderr);
+  shown = *text != '\0';
+}
+
+bool WorthRepeating(int descriptor, short events) {
+  if (errno != EAGAIN) return errno == EINTR;
+  pollfd source = {descriptor, events, 0};
+  poll(&source, 1, -1);
+  return true;
+}
 
 int HintAtHelp(const char* name) {
   std::fprintf(stderr, "Try '%s --help'.\n", name);

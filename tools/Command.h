@@ -5,6 +5,9 @@
 #include <getopt.h>
 #include <vintra.h>
 
+#include <string>
+#include <string_view>
+
 enum ExitCode { kDone = 0, kFailed = 1, kUsage = 2 };
 
 // The subcommands. Each takes its own name as argv[0] and returns an ExitCode.
@@ -12,11 +15,21 @@ int Cat(int argc, char** argv);
 int Check(int argc, char** argv);
 int Write(int argc, char** argv);
 
-// Prints "vintra: " and the message to standard error, and returns kFailed.
+// Prints "vintra: " and the message to standard error, control characters as \xNN, and returns kFailed.
 int Fail(const char* format, ...) VINTRA_PRINTF(1, 2);
 
 // Says what errno means for the subject, in the same way.
 int FailOn(const char* subject);
+
+// Text as a terminal shows it without obeying it: control characters as \xNN.
+std::string Printable(std::string_view text);
+
+// Shows how far a run is, on a line of standard error that gives way to a message, or to an empty text.
+void ShowStatus(const char* text);
+
+// Whether the system call that failed on a descriptor is worth repeating. Waits for events where it is
+// non-blocking.
+bool WorthRepeating(int descriptor, short events);
 
 // Prints where help is, once the mistake is named; name is argv[0] of a subcommand. Returns kUsage.
 int HintAtHelp(const char* name);

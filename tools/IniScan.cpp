@@ -1,6 +1,10 @@
 #include "tools/IniScan.h"
 
+#include <sys/stat.h>
+
 #include <algorithm>
+#include <cerrno>
+#include <climits>
 #include <string_view>
 
 #include "tools/Command.h"
@@ -51,6 +55,11 @@ class Lines {
 };
 
 bool ReadText(const char* file, std::string& text) {
+  struct stat status = {};
+  if (stat(file, &status) != 0) return false;
+  // A pipe could be read only once, and the library's functions read the file too.
+  errno = S_ISDIR(status.st_mode) ? EISDIR : S_ISREG(status.st_mode) ? EFBIG : ESPIPE;
+  if (!S_ISREG(status.st_mode) || status.st_size >= INT_MAX) return false;
   int size = 0;
   text.resize(1);
   int result = CustomReadFile(file, text.data(), 0, &size);

@@ -24,6 +24,9 @@ constexpr Choice kLevels[] = {{"Log_Level_Trace", Log_Level_Trace},    {"Log_Lev
                               {"Log_Level_Crit", Log_Level_Crit},      {"Log_Level_Fatal", Log_Level_Fatal},
                               {"Log_Level_Disable", Log_Level_Disable}};
 
+// Of what each mode adds to the name: nothing, "000", "_20261116_000".
+constexpr std::size_t kNumberSizes[] = {0, 3, 13};
+
 constexpr Choice kModes[] = {{"Log_Mode_Simple", Log_Mode_Simple},
                              {"Log_Mode_Rollback", Log_Mode_Rollback},
                              {"Log_Mode_Date", Log_Mode_Date}};
@@ -56,8 +59,8 @@ void Store(char (&field)[N], std::string_view text) {
 
 std::string Quoted(std::string_view text) { return '"' + std::string(text) + '"'; }
 
-// What keeps start-up from using a file name, or nothing.
-std::string ProblemOfFileName(const char* name) {
+// What keeps start-up from using a file name, to which number_size characters are added, or nothing.
+std::string ProblemOfFileName(const char* name, std::size_t number_size) {
   char drive[VINTRA_PATH_SIZE] = "";
   char folder[VINTRA_PATH_SIZE] = "";
   char base[VINTRA_PATH_SIZE] = "";
@@ -68,12 +71,14 @@ std::string ProblemOfFileName(const char* name) {
   if (*base == '\0') return "no name before the last '.'";
   if (std::strlen(base) > kLongestText) return "a base name of more than 63 characters";
   if (std::strlen(extension) > kLongestText) return "an extension of more than 63 characters";
-  if (std::strlen(drive) + std::strlen(library) + std::strlen(folder) > kLongestFolder)
-    return "a folder of more than 248 characters";
+  const std::size_t in_front = std::strlen(drive) + std::strlen(library) + std::strlen(folder);
+  if (in_front > kLongestFolder) return "a folder of more than 248 characters";
+  if (in_front + std::strlen(base) + number_size + std::strlen(extension) > kLongestPath)
+    return "a path of more than 259 characters";
   return "";
 }
 
-Setting ReadFileName(const Source& source, char (&field)[VINTRA_PATH_SIZE]) {
+Setting ReadFileName(const Source& source, std::size_t number_size, char (&field)[VINTRA_PATH_SIZE]) {
   Setting setting{source.key, source.text, Verdict::kSet, ""};
   const bool too_long = source.text.size() > kLongestPath;
   const char last = source.text.empty() || too_long ? '\0' : source.text.back();
@@ -87,7 +92,7 @@ Setting ReadFileName(const Source& source, char (&field)[VINTRA_PATH_SIZE]) {
     if (setting.value.size() > kLongestPath) setting.value = kDefaultFileName;
   }
   Store(field, setting.value);
-  if (const std::string problem = ProblemOfFileName(field); !problem.empty()) {
+  if (const std::string problem = ProblemOfFileName(field, number_size); !problem.empty()) {
     setting.verdict = Verdict::kWrong;
     setting.remark = "start-up refuses " + problem;
   } else if (*field != '/') {
@@ -184,16 +189,18 @@ LogSection ReadLogSection(const char* file, const char* section) {
   std::vector<Setting>& settings = result.settings;
   Setting setting;
 
-  settings.push_back(ReadFileName(source("file_name"), config.log_file_name));
+  Setting mode_setting;
+  config.log_mode = static_cast<LogMode>(ReadChoice(source("mode"), kModes, kModes[0], mode_setting));
+  const char* mode = kModes[config.log_mode - 1].name;
+  settings.push_back(
+      ReadFileName(source("file_name"), kNumberSizes[config.log_mode - 1], config.log_file_name));
   config.log_level = static_cast<LogLevel>(ReadChoice(source("level"), kLevels, kLevels[8], setting));
   if (setting.verdict != Verdict::kSet) {
     setting.verdict = Verdict::kWrong;
     setting.remark += ", so every record is dropped";
   }
   settings.push_back(setting);
-  config.log_mode = static_cast<LogMode>(ReadChoice(source("mode"), kModes, kModes[0], setting));
-  settings.push_back(setting);
-  const char* mode = kModes[config.log_mode - 1].name;
+  settings.push_back(mode_setting);
 
   settings.push_back(ReadNumber(source("max_file_size"), 20 * 1024 * 1024, false, config.max_file_size));
   settings.push_back(config.log_mode == Log_Mode_Simple

@@ -207,7 +207,7 @@ int FailToOpen(const char* log, sint32 code) {
 // Opens the log of a section, which has to be there and to say what it keeps. Returns kDone or kFailed.
 int OpenSection(const Request& request, LOGHANDLE& log) {
   const IniSection lines = ScanSection(request.config, request.section);
-  if (!lines.readable) return Fail("%s: cannot be read", request.config);
+  if (!lines.readable) return FailOn(request.config);
   if (lines.line == 0) return Fail("%s: no section [%s]", request.config, request.section);
   for (const Setting& setting : ReadLogSection(request.config, request.section).settings) {
     if (setting.verdict != Verdict::kWrong) continue;
