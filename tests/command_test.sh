@@ -258,5 +258,7 @@ head -c 9000000 /dev/zero | tr '\0' 'x' | fold -w 99 >large
 on_terminal "'$vintra' write -f large.log --flush-size 64K <large" | grep -q '100%\|[0-9]%  [0-9]* of 8 MiB' ||
   fail "no progress on a terminal"
 on_terminal "'$vintra' cat <large >/dev/null" | grep -q '%  [0-9]* of 8 MiB' || fail "cat shows no progress"
+on_terminal "'$vintra' cat large nothere >/dev/null" | grep -q "$(printf '\033')\[Kvintra: nothere" ||
+  fail "a message stands behind the progress"
 ! on_terminal "head -c 99999 large | '$vintra' write -f small.log" | grep -q '%' || fail "progress for a small input"
 on_terminal "'$vintra' cat large.log" | tail -c 1 | od -An -c | grep -q 'n' || fail "a prompt would not begin a line"

@@ -6,6 +6,8 @@
 #include <cinttypes>
 #include <cstdio>
 
+#include "tools/Command.h"
+
 namespace {
 
 constexpr std::uint64_t kMebibyte = 1 << 20;
@@ -20,7 +22,7 @@ Progress::Progress(std::uint64_t total, bool terminal_is_free)
       next_(std::chrono::steady_clock::now()) {}
 
 Progress::~Progress() {
-  if (shown_) std::fputs("\r\033[K", stderr);
+  if (shown_) ShowStatus("");
 }
 
 void Progress::Add(std::uint64_t bytes) {
@@ -31,6 +33,8 @@ void Progress::Add(std::uint64_t bytes) {
   next_ = now + kInterval;
   // The input may grow while it is read.
   const std::uint64_t percent = std::min<std::uint64_t>(done_ * 100 / total_, 100);
-  std::fprintf(stderr, "\r%3" PRIu64 "%%  %" PRIu64 " of %" PRIu64 " MiB", percent, done_ / kMebibyte,
-               std::max(done_, total_) / kMebibyte);
+  char text[64] = "";
+  std::snprintf(text, sizeof text, "%3" PRIu64 "%%  %" PRIu64 " of %" PRIu64 " MiB", percent,
+                done_ / kMebibyte, std::max(done_, total_) / kMebibyte);
+  ShowStatus(text);
 }
