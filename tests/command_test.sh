@@ -72,7 +72,9 @@ lines twice >seen
 exits 1 'nothere: No such file' sh -c '"$0" cat nothere logs/a.log >rest' "$vintra"
 cmp rest a.txt
 exits 1 'standard output: No space left' sh -c '"$0" cat logs/a.log >/dev/full' "$vintra"
-exits 1 'is standard output too' sh -c '"$0" cat a.txt >>a.txt' "$vintra"
+for follow in '' -f; do
+  exits 1 'a.txt: is standard output too' sh -c 'timeout 2 "$0" cat $1 a.txt >>a.txt' "$vintra" "$follow"
+done
 exits 1 'logs: Is a directory' "$vintra" cat logs
 
 # The modes and limits without an INI file.
@@ -248,13 +250,16 @@ echo '[broken' >>check.ini
 exits 1 "check.ini:29: .*does not end in ']'" "$vintra" check check.ini
 exits 0 '^  file_name *default.log *default: missing' "$vintra" check check.ini long
 
+# Non-blocking streams are waited for; dd passes the flags on to whoever shares them.
+head -c 9000000 /dev/zero | tr '\0' 'x' | fold -w 99 >large
+cat large | { dd iflag=nonblock oflag=nonblock count=0 status=none; "$vintra" cat; } | "$vintra" cat | cmp - large
+
 # Colours and progress are for terminals.
 command -v script >/dev/null || { echo "no terminal to be had: colours and progress are not tested"; exit 0; }
 on_terminal() { TERM=xterm script -qec "$1" /dev/null </dev/null; }
 on_terminal "'$vintra' check check.ini bad" | grep -q "$(printf '\033')\[31m" || fail "no colours on a terminal"
 ! on_terminal "NO_COLOR=1 '$vintra' check check.ini bad" | grep -q "$(printf '\033')" || fail "NO_COLOR is not heeded"
 "$vintra" check check.ini bad | grep "$(printf '\033')" && fail "colours without a terminal"
-head -c 9000000 /dev/zero | tr '\0' 'x' | fold -w 99 >large
 on_terminal "'$vintra' write -f large.log --flush-size 64K <large" | grep -q '100%\|[0-9]%  [0-9]* of 8 MiB' ||
   fail "no progress on a terminal"
 on_terminal "'$vintra' cat <large >/dev/null" | grep -q '%  [0-9]* of 8 MiB' || fail "cat shows no progress"

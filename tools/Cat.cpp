@@ -1,5 +1,6 @@
 // vintra cat: scrambled logs as text.
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -33,46 +34,38 @@ struct Source {
   std::string name;
   bool is_input;       // standard input
   bool is_regular;     // a file that can be followed, or may become one
+  bool is_output;      // the file that standard output goes to: reading it would not end
   std::uint64_t size;  // 0 where it is not known
 };
 
 Source Examine(const char* name) {
-  Source source{name, std::strcmp(name, "-") == 0, false, 0};
+  Source source{name, std::strcmp(name, "-") == 0, false, false, 0};
+  if (source.is_input) source.name = "standard input";
   struct stat status = {};
   const int result = source.is_input ? fstat(STDIN_FILENO, &status) : stat(name, &status);
+  struct stat output = {};
   source.is_regular = result != 0 || S_ISREG(status.st_mode);
+  source.is_output = result == 0 && source.is_regular && fstat(STDOUT_FILENO, &output) == 0 &&
+                     status.st_dev == output.st_dev && status.st_ino == output.st_ino;
   if (result == 0 && source.is_regular) source.size = static_cast<std::uint64_t>(status.st_size);
   return source;
-}
-
-// Whether descriptor is the file that standard output appends to: reading it would not end.
-bool IsOutput(int descriptor) {
-  struct stat input = {};
-  struct stat output = {};
-  return fstat(descriptor, &input) == 0 && fstat(STDOUT_FILENO, &output) == 0 && S_ISREG(output.st_mode) &&
-         input.st_dev == output.st_dev && input.st_ino == output.st_ino;
 }
 
 // Puts out a whole source. Returns false when it cannot be read.
 bool PutWhole(const Source& source, Output& output, Progress& progress) {
   const Descriptor file(source.is_input ? fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 0)
                                         : open(source.name.c_str(), O_RDONLY | O_CLOEXEC));
-  const char* name = source.is_input ? "standard input" : source.name.c_str();
-  if (file && IsOutput(file.get())) {
-    Fail("%s: is standard output too", name);
-    return false;
-  }
   std::vector<char> block(kBlockSize);
   ssize_t got = -1;
   while (file && !output.failed() && (got = read(file.get(), block.data(), block.size())) != 0) {
-    if (got < 0 && errno == EINTR) continue;
+    if (got < 0 && WorthRepeating(file.get(), POLLIN)) continue;
     if (got < 0) break;
     auto length = static_cast<uint32>(got);
     GetEncryptData(block.data(), length, block.data(), &length);
     output.Put(&source, {block.data(), length});
     progress.Add(length);
   }
-  if (got < 0) FailOn(name);
+  if (got < 0) FailOn(source.name.c_str());
   return got >= 0;
 }
 
@@ -101,7 +94,10 @@ int Cat(int argc, char** argv) {
   bool read_all = true;
   for (const Source& source : sources) {
     if (output.failed()) break;
-    if (follow && source.is_regular && !source.is_input) {
+    if (source.is_output) {
+      read_all = false;
+      Fail("%s: is standard output too", source.name.c_str());
+    } else if (follow && source.is_regular && !source.is_input) {
       followed.emplace_back(source.name);
     } else {
       read_all = PutWhole(source, output, progress) && read_all;

@@ -1,8 +1,7 @@
 #include "tools/Output.h"
 
+#include <poll.h>
 #include <unistd.h>
-
-#include <cerrno>
 
 #include "tools/Command.h"
 
@@ -22,7 +21,7 @@ bool Output::Write(std::string_view text) {
     const ssize_t written = write(STDOUT_FILENO, text.data(), text.size());
     if (written >= 0) {
       text.remove_prefix(static_cast<std::size_t>(written));
-    } else if (errno != EINTR) {
+    } else if (!WorthRepeating(STDOUT_FILENO, POLLOUT)) {
       FailOn("standard output");
       failed_ = true;
     }
