@@ -40,6 +40,7 @@ lines() { tr -d '\r' <"$1" | sed 's/^[0-9-]* [0-9:.]* //'; }
 exits 0 'vintra check INI' "$vintra" --help
 exits 0 '^vintra [0-9]*\.[0-9]*\.[0-9]*$' "$vintra" --version
 for command in cat write check; do exits 0 "^Usage: vintra $command" "$vintra" $command --help; done
+exits 0 '^Usage: vintra write' "$vintra" write -f x -kh
 exits 1 'standard output: No space left' sh -c '"$0" --help >/dev/full' "$vintra"
 exits 2 'no command' "$vintra"
 exits 2 'no such command: kat' "$vintra" kat
@@ -120,6 +121,12 @@ exits 1 "could not be opened (1: its configuration" "$vintra" write -f "$work/"
 
 # SIGTERM and SIGINT store what is in the pipe, also what is not flushed yet and the beginning of a line.
 mkfifo pipe
+# Nobody who reads messages is no reason to stop.
+exec 3<>pipe 4>pipe 3<&-
+code=0
+printf 'a\nb\n' | "$vintra" write -k -f /dev/full 2>&4 || code=$?
+exec 4>&-
+[ $code = 1 ] || fail "a message that nobody reads gives $code"
 for signal in TERM INT; do
   # A shell switches SIGINT off for what it runs in the background.
   env --default-signal=INT "$vintra" write -f "$signal.log" --flush-size 1M <pipe &

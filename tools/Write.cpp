@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
@@ -79,6 +80,7 @@ struct Request {
   const char* file_option = nullptr;  // one that only goes with --file
   const Level* level = kInfo;
   bool keep_going = false;
+  bool help = false;
   LogConfigRecEx record = {};
 };
 
@@ -182,6 +184,8 @@ int Parse(int argc, char** argv, Request& request) {
   Store(request.record.log_format, "%D%T%E%N");
   for (int letter; (letter = getopt_long(argc, argv, "c:s:f:m:l:kh", kOptions, nullptr)) != -1;) {
     if (letter == '?') return HintAtHelp(argv[0]);
+    request.help = letter == 'h';
+    if (request.help) return kDone;
     const option& taken = OptionOf(letter);
     if (!Take(letter, request)) return Misused(argv[0], "--%s cannot be \"%s\"", taken.name, optarg);
     if (std::strchr("cslkf", letter) == nullptr) request.file_option = taken.name;
@@ -232,12 +236,10 @@ int Open(const Request& request, LOGHANDLE& log) {
 
 int Write(int argc, char** argv) {
   Request request;
-  for (int i = 1; i < argc; ++i) {
-    if (std::strcmp(argv[i], "--help") == 0 || std::strcmp(argv[i], "-h") == 0)
-      return std::fputs(kHelp, stdout) < 0 ? kFailed : kDone;
-  }
   if (const int code = Parse(argc, argv, request); code != kDone) return code;
-  StopSignals signals;  // from here on; where the log is there, a signal stores what came in
+  if (request.help) return std::fputs(kHelp, stdout) < 0 ? kFailed : kDone;
+  std::signal(SIGPIPE, SIG_IGN);  // nobody who reads messages is no reason to lose lines
+  StopSignals signals;            // from here on; where the log is there, a signal stores what came in
   LOGHANDLE log = null_log_handle;
   if (const int code = Open(request, log); code != kDone) return code;
   const int code = LinePump(log, request.level->write, request.keep_going, signals).Run();
