@@ -14,7 +14,8 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/vintra-config-version.cma
 install(FILES ${PROJECT_BINARY_DIR}/vintra-config.cmake ${PROJECT_BINARY_DIR}/vintra-config-version.cmake
   DESTINATION ${package_dir} COMPONENT development)
 
-# A path below the prefix stays so when the tree is moved; any other is taken as it is.
+# A path below the prefix stays so when the tree is moved; any other is taken as it is. Where the .pc file itself lies
+# elsewhere, the prefix cannot be told from its place.
 function(pc_path variable directory)
   if(IS_ABSOLUTE ${directory})
     set(${variable} ${directory} PARENT_SCOPE)
@@ -24,8 +25,12 @@ function(pc_path variable directory)
 endfunction()
 pc_path(VINTRA_PC_LIBDIR ${CMAKE_INSTALL_LIBDIR})
 pc_path(VINTRA_PC_INCLUDEDIR ${CMAKE_INSTALL_INCLUDEDIR})
-file(RELATIVE_PATH VINTRA_PC_PREFIX /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
-string(REGEX REPLACE "/$" "" VINTRA_PC_PREFIX ${VINTRA_PC_PREFIX})
+if(IS_ABSOLUTE ${CMAKE_INSTALL_LIBDIR})
+  set(VINTRA_PC_PREFIX ${CMAKE_INSTALL_PREFIX})
+else()
+  file(RELATIVE_PATH to_prefix /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
+  string(REGEX REPLACE "/$" "" VINTRA_PC_PREFIX "\${pcfiledir}/${to_prefix}")
+endif()
 configure_file(packaging/vintra.pc.in vintra.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/vintra.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
 

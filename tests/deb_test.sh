@@ -24,6 +24,7 @@ case $(cat control/shlibs) in
   'libvintra 1 libvintra1 (>= '*) ;;
   *) fail "shlibs: $(cat control/shlibs)" ;;
 esac
+[ "$(cat control/triggers)" = 'activate-noawait ldconfig' ] || fail "the loader is not told of the library"
 # The symbols are those that the library has.
 dpkg-deb -x "$lib" unpacked
 mkdir -p symbols/debian

@@ -46,6 +46,12 @@ for prefix in "$work/one" "$work/two words"; do
   use "pkg-config, C++" "$work/consumer" "$prefix" C++
 done
 
+# A library folder of its own leaves the headers below the prefix.
+"$cmake" -S "$source_dir" -B "$work/build" -DCMAKE_C_COMPILER="$cc" -DCMAKE_CXX_COMPILER="$cxx" -DVINTRA_BUILD_TESTS=OFF \
+  -DCMAKE_INSTALL_PREFIX=/prefix -DCMAKE_INSTALL_LIBDIR=/elsewhere/lib >"$work/configured" 2>&1 || { cat "$work/configured"; exit 1; }
+flags=$(pkg-config --cflags --libs-only-L "$work/build/vintra.pc")
+[ "${flags% }" = "-I/prefix/include/vintra -L/elsewhere/lib" ] || fail "headers are looked for elsewhere: $flags"
+
 pages=$work/one/share/man
 [ -d "$pages" ] || { echo "manual pages were not built, and so are not tested"; exit 0; }
 for page in "$pages"/man?/*; do
