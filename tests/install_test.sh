@@ -60,13 +60,14 @@ for page in "$pages"/man?/*; do
   # A page that leads to another one is looked up from where it is installed.
   [ -z "$warnings" ] || fail "$page: $warnings"
   grep -q '^NAME' "$work/page" || fail "$page has no name"
-  ! grep -n 'QUOTATION-MARK\|\.fi$\|@endverbatim' "$work/page" || fail "$page shows what was meant for a tool"
+  ! grep -n 'QUOTATION-MARK\|\.fi$\|@endverbatim\|VINTRA_LEVEL_ALIAS' "$work/page" || fail "$page shows what was meant for a tool"
 done
-for name in $(sed 's/@.*//; /^_Z/d' "$source_dir/tests/exports.txt"); do
+for name in $(sed 's/@.*//; /^_Z/d' "$source_dir/tests/exports.txt") vintra_info; do
   [ -e "$pages/man3/$name.3.gz" ] || fail "no manual page for $name"
 done
 for page in vintra.1 vintra-log.5 vintra-ini.5; do
   [ -e "$pages/man${page##*.}/$page.gz" ] || fail "no manual page $page"
 done
+MANPATH=$pages man LogConfigRec | grep -q '#include <VintraModule/VintraModule.h>' || fail "LogConfigRec is included otherwise"
 MANPATH=$pages LC_ALL=C.UTF-8 man LOG_INFO | grep -q 'Write one record of a level' || fail "man LOG_INFO leads nowhere"
 echo "$(ls "$pages"/man?/* | wc -l) manual pages"

@@ -62,7 +62,15 @@ function go_on_comment(line, at, last) {
   if (grouped) print "/**@{*/"
 }
 
-function put_code(line) {
+function put_code(line, name) {
+  # A macro that the header itself removes is nobody's.
+  if (match(line, /^#define [A-Za-z_]+/)) {
+    name = substr(line, 9, RLENGTH - 8)
+    if (name in removed) {
+      print "/// @cond"
+      hidden = 1
+    }
+  }
   if (grouped && line == "") {
     print "/**@}*/"
     grouped = 0
@@ -71,9 +79,15 @@ function put_code(line) {
   if (line ~ /^typedef (struct|enum) .*{$/) sub(/^typedef /, "", line)
   if (line ~ /^} [A-Za-z]+;$/) line = "};"
   print line
+  if (hidden && line !~ /\\$/) {
+    print "/// @endcond"
+    hidden = 0
+  }
 }
 
 { lines[NR] = $0 }
+
+/^#undef / { removed[$2] }
 
 END {
   for (i = 1; i <= NR; ++i) {
