@@ -27,9 +27,10 @@
  *   12  the clock could not be read
  *   13  the host name or the system's identification could not be read
  *
- * Failures are also described in the library's own file LogModuleErrMsg.log, one line each, in the folder of
- * the library's file; not so most invalid arguments, and a folder that is too long (9). Where that folder
- * cannot be written, these lines are lost and nothing else changes.
+ * Start-up, records and flushes that fail with 4, 5, 7 or 10 are also described in the library's own file
+ * LogModuleErrMsg.log, one line each, in the folder of the library's file, and so are most keys of a log
+ * section that take their defaults. Of 1, 2 and 9 some are, 12 and 13 are not. Where that file cannot be
+ * written, or its path exceeds 255 characters, these lines are lost and nothing else changes.
  *
  * Texts are NUL-terminated bytes of any encoding. The widths of text fields are in bytes and include the
  * terminator; a field without a terminator is read to its width and not beyond.
@@ -128,7 +129,7 @@ typedef struct LogConfigRec {
    * full disk when the log moves on to another file, which only the error log tells of. */
   uint32 file_flush_size;
   uint32 log_time_span; /* days that the date mode keeps its files, 0 for ever; other modes do not use it */
-  /* The pieces of each line, as directives: '%', any number of blanks, and a capital letter. Other text is
+  /* The pieces of each line, as directives: '%', any number of spaces, and a capital letter. Other text is
    * ignored. Whatever the order of the directives, a line has its pieces in this order:
    *
    *   %N  CR LF before every record but the first of a file, so that the file itself ends without one
@@ -236,7 +237,8 @@ VINTRA_API sint32 LOG_MODULE_INIT_New_Ex(const LogConfigRecEx* a_log_config, LOG
  * format empty.
  *
  * Returns what LOG_MODULE_INIT_New_Ex does, but 1 for a null a_log_handle only, and 9 for every other invalid
- * argument: a base name that is empty or too long, and a config_file or section of more than 263 characters.
+ * argument: an empty base name, a base name or extension that is too long, and a config_file or section of
+ * more than 263 characters.
  */
 VINTRA_API sint32 LOG_MODULE_INIT(const sint8* config_file, const sint8* section, LOGHANDLE* a_log_handle);
 

@@ -38,8 +38,8 @@ SIGTERM or SIGINT ends the run.
   -k, --keep-going        goes on behind a line that could not be written
   -h, --help              this text
 
-Exits with 0 when every line is in the log, with 1 when one could not be written or the log not be opened,
-with 2 when it was called wrongly.
+Exits with 0 when no line was refused, with 1 when one could not be written or the log not be opened, with 2
+when it was called wrongly.
 )";
 
 struct Level {
