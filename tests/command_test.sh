@@ -95,6 +95,8 @@ encrypt = 0
 [none]
 file_name = $work/none.log
 END
+printf '\357\273\277[a]\n' >marked.ini
+exits 1 'no section \[a\]; a byte order mark' "$vintra" check marked.ini a
 exits 1 'nothere.ini: No such file' "$vintra" write -c nothere.ini -s good
 exits 1 'no section \[missing\]' "$vintra" write -c log.ini -s missing
 exits 1 'level: missing' "$vintra" write -c log.ini -s none
@@ -119,7 +121,7 @@ exits 1 "could not be opened (5.*LogModuleErrMsg.log" "$vintra" write -f "$work"
 exits 1 'standard input: Bad file descriptor' sh -c 'timeout 20 "$0" write -f closed.log <&-' "$vintra"
 exits 1 "could not be opened (1: its configuration" "$vintra" write -f "$work/"
 
-# SIGTERM and SIGINT store what is in the pipe, also what is not flushed yet and the beginning of a line.
+# SIGTERM, SIGINT and SIGHUP store what is in the pipe, also what is not flushed yet and the beginning of a line.
 mkfifo pipe
 # Nobody who reads messages is no reason to stop.
 exec 3<>pipe 4>pipe 3<&-
@@ -127,9 +129,9 @@ code=0
 printf 'a\nb\n' | "$vintra" write -k -f /dev/full 2>&4 || code=$?
 exec 4>&-
 [ $code = 1 ] || fail "a message that nobody reads gives $code"
-for signal in TERM INT; do
+for signal in TERM INT HUP; do
   # A shell switches SIGINT off for what it runs in the background.
-  env --default-signal=INT "$vintra" write -f "$signal.log" --flush-size 1M <pipe &
+  env --default-signal=INT,HUP "$vintra" write -f "$signal.log" --flush-size 1M <pipe &
   writer=$!
   exec 3>pipe
   head -c 30000 input >&3
@@ -243,6 +245,8 @@ wrong: the line has no '=', and hides what is behind it (line 24)
 wrong: a second section of the name, which nobody reads (line 26)
 END
 exits 1 'no section \[x\]' "$vintra" check check.ini x
+printf '\357\273\277[a]\n' >marked.ini
+exits 1 'no section \[a\]; a byte order mark' "$vintra" check marked.ini a
 exits 1 'nothere.ini: No such file' "$vintra" check nothere.ini
 exits 1 '/dev/zero: Illegal seek' timeout 20 "$vintra" check /dev/zero
 printf '[\033[2J]\nmode=\177\nlevel=Log_Level_Info\nmode=\t' >signs.ini

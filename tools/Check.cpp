@@ -66,8 +66,7 @@ void Show(const Setting& setting) {
   std::printf("%s%s%s\n", coloured ? colour : "", line.c_str(), coloured ? "\033[0m" : "");
 }
 
-// What the section's own lines show: keys that mean nothing, and what lookups do not reach. lines of settings
-// that are written twice are wrong too.
+// What the section's own lines show: keys that mean nothing or stand twice, and what lookups do not reach.
 std::vector<Setting> ExamineLines(const IniSection& lines, const std::vector<Setting>& settings) {
   std::vector<Setting> found;
   const auto add = [&found](std::string name, const std::string& remark, int line) {
@@ -102,7 +101,8 @@ bool CheckSection(const char* file, const char* section) {
   }
   const IniSection lines = ScanSection(file, section);
   if (lines.line == 0) {
-    if (lines.bad_line == 0) Fail("%s: no section [%s]", file, section);
+    const char* hint = lines.byte_order_mark ? "; a byte order mark hides the first line" : "";
+    if (lines.bad_line == 0) Fail("%s: no section [%s]%s", file, section, hint);
     if (lines.bad_line != 0) Fail("%s:%d: %s, and hides [%s]", file, lines.bad_line, lines.problem, section);
     return false;
   }

@@ -28,7 +28,8 @@ void FollowedLog::Restart(Output& output) {
 }
 
 bool FollowedLog::Open(Output& output) {
-  Descriptor file(open(path_.c_str(), O_RDONLY | O_CLOEXEC));
+  Descriptor file(
+      open(path_.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));  // a FIFO does not hold up the others
   if (!file) {
     ReportOnce();
     return false;

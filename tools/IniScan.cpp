@@ -131,6 +131,7 @@ IniSection ScanSection(const char* file, std::string_view section) {
   IniSection found;
   std::string text;
   found.readable = ReadText(file, text);
+  found.byte_order_mark = text.starts_with("\xEF\xBB\xBF");
   Lines lines(text);
   if (!FindSection(lines, section, found.problem)) {
     if (*found.problem != '\0') found.bad_line = lines.number();

@@ -13,9 +13,10 @@ struct IniKey {
 
 // A section as lookups see it: the first one of its name, up to the line that ends their search.
 struct IniSection {
-  bool readable = false;  // the file; errno says why not
-  int line = 0;           // of the section; 0 where it is not there
-  int repeated = 0;       // line of a second section of the name, or 0
+  bool readable = false;         // the file; errno says why not
+  bool byte_order_mark = false;  // in front of the first line, which then is none of a section
+  int line = 0;                  // of the section; 0 where it is not there
+  int repeated = 0;              // line of a second section of the name, or 0
   std::vector<IniKey> keys;
   // The line that hides what is behind it, and what is wrong with it; 0 where there is none.
   int bad_line = 0;

@@ -28,19 +28,20 @@ std::uint64_t InputSize() {
 
 StopSignals::StopSignals() {
   sigemptyset(&signals_);
-  for (const int signal : {SIGTERM, SIGINT}) {
+  for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
     struct sigaction action = {};
     // What the parent has switched off stays so.
     if (sigaction(signal, nullptr, &action) == 0 && action.sa_handler != SIG_IGN)
       sigaddset(&signals_, signal);
   }
   sigprocmask(SIG_BLOCK, &signals_, nullptr);
-  descriptor_ = Descriptor(signalfd(-1, &signals_, SFD_CLOEXEC));
+  descriptor_ = Descriptor(signalfd(-1, &signals_, SFD_CLOEXEC | SFD_NONBLOCK));
 }
 
 void StopSignals::Take() {
   signalfd_siginfo signal = {};
-  while (read(descriptor(), &signal, sizeof signal) < 0 && errno == EINTR) continue;
+  while (read(descriptor(), &signal, sizeof signal) > 0) continue;  // all that have come together
+  sigdelset(&signals_, SIGHUP);
   sigprocmask(SIG_UNBLOCK, &signals_, nullptr);
 }
 
@@ -113,12 +114,13 @@ void LinePump::Drain() {
 bool LinePump::Step() {
   pollfd sources[] = {{STDIN_FILENO, POLLIN, 0}, {signals_.descriptor(), POLLIN, 0}};
   const int ready = poll(sources, 2, unflushed_ ? kPause : -1);
+  if (ready < 0) return true;  // it was interrupted
   if (ready == 0) {
     unflushed_ = false;
     const sint32 code = LOG_MSG_FLUSH(log_);
     return code == 0 || Refuse(code, "and lines before it could not be flushed");
   }
-  if (ready > 0 && sources[1].revents != 0) {
+  if (sources[1].revents != 0) {
     signals_.Take();
     Drain();
     return false;

@@ -12,7 +12,8 @@
 
 using RecordFunction = sint32 (*)(LOGHANDLE, const sint8*, ...);
 
-// SIGTERM and SIGINT as something to wait for. The next one after it was taken ends the process.
+// SIGTERM, SIGINT and SIGHUP as something to wait for. The first two end the process when one comes after the
+// first was taken; a terminal that is closed may send SIGHUP twice.
 class StopSignals {
  public:
   StopSignals();

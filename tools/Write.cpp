@@ -21,7 +21,7 @@ constexpr char kHelp[] = R"(Usage: vintra write -c INI -s SECTION [-l LEVEL] [-k
 
 Writes standard input into a log, each line as a record. A line ends with LF, CR LF or NUL and may have any
 length. What was read is in the log's file at the end of the input, after a second without input, and when
-SIGTERM or SIGINT ends the run.
+SIGTERM, SIGINT or SIGHUP ends the run.
 
   -c, --config INI        the log is a section of an INI file
   -s, --section SECTION   the section
