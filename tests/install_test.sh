@@ -52,6 +52,20 @@ done
 flags=$(pkg-config --cflags --libs-only-L "$work/build/vintra.pc")
 [ "${flags% }" = "-I/prefix/include/vintra -L/elsewhere/lib" ] || fail "headers are looked for elsewhere: $flags"
 
+# As a part of a host, which has documents and packages of its own.
+mkdir "$work/host"
+cat >"$work/host/CMakeLists.txt" <<EOF
+cmake_minimum_required(VERSION 3.21)
+project(host C CXX)
+include(GNUInstallDirs)
+include(CPack)
+add_subdirectory("$source_dir" vintra)
+EOF
+"$cmake" -S "$work/host" -B "$work/host/build" -DVINTRA_INSTALL=ON -DCMAKE_C_COMPILER="$cc" -DCMAKE_CXX_COMPILER="$cxx" \
+  >"$work/configured" 2>&1 || { cat "$work/configured"; exit 1; }
+! grep -n 'share/doc/host' "$work/host/build/vintra/cmake_install.cmake" || fail "documents go to those of a host"
+grep -q 'CPACK_PACKAGE_NAME "host"' "$work/host/build/CPackConfig.cmake" || fail "a host's packages are replaced"
+
 pages=$work/one/share/man
 [ -d "$pages" ] || { echo "manual pages were not built, and so are not tested"; exit 0; }
 for page in "$pages"/man?/*; do
