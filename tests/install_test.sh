@@ -52,6 +52,12 @@ done
 flags=$(pkg-config --cflags --libs-only-L "$work/build/vintra.pc")
 [ "${flags% }" = "-I/prefix/include/vintra -L/elsewhere/lib" ] || fail "headers are looked for elsewhere: $flags"
 
+for page in "$work"/one/share/doc/vintra/*.md "$work"/one/share/doc/vintra/docs/*.md; do
+  for link in $(grep -o ']([^)#:]*' "$page" | cut -c 3-); do
+    [ -e "${page%/*}/$link" ] || fail "$page leads to $link, which is not installed"
+  done
+done
+
 # As a part of a host, which has documents and packages of its own.
 mkdir "$work/host"
 cat >"$work/host/CMakeLists.txt" <<EOF
