@@ -260,6 +260,7 @@ done
 echo '[broken' >>check.ini
 exits 1 "check.ini:29: .*does not end in ']'" "$vintra" check check.ini
 exits 0 '^  file_name *default.log *default: missing' "$vintra" check check.ini long
+grep -q '^  encrypt *1 *default: missing, so the file is scrambled' out || fail "nothing is said of scrambling: $(cat out)"
 
 # Non-blocking streams are waited for; dd passes the flags on to whoever shares them.
 head -c 9000000 /dev/zero | tr '\0' 'x' | fold -w 99 >large

@@ -215,6 +215,7 @@ LogSection ReadLogSection(const char* file, const char* section) {
   settings.push_back(ReadModuleName(source("module_name"), config.module_name));
   settings.push_back(ReadDirectives(source("PidAndTid"), "", "%N", "NPT", config.PidandTid));
   setting = ReadNumber(source("encrypt"), 1, true, config.log_encrypt);
+  if (setting.verdict == Verdict::kDefault) setting.remark += ", so the file is scrambled";
   if (setting.verdict == Verdict::kSet && config.log_encrypt > 1) {
     setting.verdict = Verdict::kWrong;
     setting.remark = "neither 0 nor 1: plain text";
