@@ -5,6 +5,7 @@
 #include <getopt.h>
 #include <vintra.h>
 
+#include <algorithm>
 #include <string>
 #include <string_view>
 
@@ -39,6 +40,13 @@ int Misused(const char* name, const char* format, ...) VINTRA_PRINTF(2, 3);
 
 // What a result code of the library means to somebody who writes a log.
 const char* MeaningOf(sint32 code);
+
+// Copies text into field, cut to fit and always terminated. Returns false when it was cut.
+template <std::size_t N>
+bool Store(char (&field)[N], std::string_view text) {
+  *std::copy_n(text.data(), std::min(text.size(), N - 1), field) = '\0';
+  return text.size() < N;
+}
 
 // A descriptor that is closed with its owner.
 class Descriptor {

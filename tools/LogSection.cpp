@@ -2,7 +2,6 @@
 
 #include <strings.h>
 
-#include <algorithm>
 #include <cstring>
 #include <string_view>
 
@@ -51,11 +50,6 @@ struct Source {
   // What is the matter with a text that is not there.
   [[nodiscard]] std::string Lack() const { return present ? "empty" : "missing"; }
 };
-
-template <std::size_t N>
-void Store(char (&field)[N], std::string_view text) {
-  *std::copy_n(text.data(), std::min(text.size(), N - 1), field) = '\0';
-}
 
 std::string Quoted(std::string_view text) { return '"' + std::string(text) + '"'; }
 

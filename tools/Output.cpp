@@ -5,17 +5,19 @@
 
 #include "tools/Command.h"
 
-bool Output::Put(const void* source, std::string_view text) {
-  if (text.empty()) return !failed_;
+void Output::Put(const void* source, std::string_view text) {
+  if (text.empty()) return;
   const bool begins_with_line_end = text.front() == '\r' || text.front() == '\n';
   if (source != source_ && !begins_with_line_end) EndLine();
   source_ = source;
-  return Write(text);
+  Write(text);
 }
 
-bool Output::EndLine() { return last_ == '\n' || Write("\r\n"); }
+void Output::EndLine() {
+  if (last_ != '\n') Write("\r\n");
+}
 
-bool Output::Write(std::string_view text) {
+void Output::Write(std::string_view text) {
   last_ = text.back();
   while (!failed_ && !text.empty()) {
     const ssize_t written = write(STDOUT_FILENO, text.data(), text.size());
@@ -26,5 +28,4 @@ bool Output::Write(std::string_view text) {
       failed_ = true;
     }
   }
-  return !failed_;
 }

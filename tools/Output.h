@@ -7,9 +7,9 @@
 class Output {
  public:
   // Writes text to standard output at once, without a buffer of its own. source tells logs apart: the last
-  // record of a log has no line end, so where another one goes on the line is ended first. Returns false when
-  // writing fails, which it reports; all later calls do nothing.
-  bool Put(const void* source, std::string_view text);
+  // record of a log has no line end, so where another one goes on the line is ended first. Where
+  // writing fails, that is reported, and all later calls do nothing.
+  void Put(const void* source, std::string_view text);
 
   // Says that what source puts out next is from the beginning of a file again.
   void Restart(const void* source) {
@@ -17,12 +17,12 @@ class Output {
   }
 
   // Ends the line that is begun, if any.
-  bool EndLine();
+  void EndLine();
 
   [[nodiscard]] bool failed() const { return failed_; }
 
  private:
-  bool Write(std::string_view text);
+  void Write(std::string_view text);
 
   const void* source_ = nullptr;
   char last_ = '\n';

@@ -1,7 +1,6 @@
 // vintra write: standard input into a log, line by line.
 #include <strings.h>
 
-#include <algorithm>
 #include <charconv>
 #include <csignal>
 #include <cstdio>
@@ -98,13 +97,6 @@ bool ParseNumber(std::string_view text, bool size, uint32& number) {
   }
   number = static_cast<uint32>(value);
   return value <= INT32_MAX;
-}
-
-template <std::size_t N>
-bool Store(char (&field)[N], std::string_view text) {
-  if (text.size() >= N) return false;
-  *std::copy(text.begin(), text.end(), field) = '\0';
-  return true;
 }
 
 // Takes one option. Returns false when its argument is of no use.

@@ -3,7 +3,7 @@
 
 /^\.TS/ {
   inside = 1
-  rows = cell = 0
+  rows = 0
   split("", longest)
   next
 }
