@@ -132,6 +132,7 @@ int CreateMulDir(const char* path) {
   if (path == nullptr) return 0;
   const std::size_t length = strnlen(path, vintra::kLongestChain + 1);
   if (length == 0 || length > vintra::kLongestChain) return 0;
+  if (vintra::ChainExists(path)) return 1;
 
   // The root part keeps one separator of a leading run. Starting at that one keeps what lies behind the root
   // part and the root part's length in step.

@@ -25,6 +25,10 @@ Level EnsureRootLevel(char* parent_dir, int back_size, int front_size);
 // Makes one level further down. On failure parent_dir is cut to front_size characters.
 Level EnsureLevel(char* parent_dir, int front_size);
 
+// True when the chain that path names is all there, which one look tells where nearly every chain is. False
+// is no answer: a '\' separates levels for us, but not for the system.
+bool ChainExists(const char* path);
+
 // Copies the root part of path, its first component with one leading separator at most, into root (261 bytes)
 // and returns its length, or 0 when it is empty or over 259 characters. scan points into path, behind what is
 // already known to belong to the root part.
