@@ -30,16 +30,19 @@ void LendBuffer(LogHandleRec& handle) {
   if (handle.stream_buffer != nullptr) setvbuf(handle.file_out, handle.stream_buffer, _IOFBF, size);
 }
 
-// Always in append mode, which has no counterpart among the modes of fopen for a file that is emptied: after
-// a truncation by somebody else the next record stands at the new end and leaves no hole.
+// Empties in append mode, for which fopen has no mode of its own.
+FILE* OpenEmptied(const sint8* path) {
+  FileDescriptor file(open(path, O_WRONLY | O_TRUNC | O_CREAT | O_APPEND | O_CLOEXEC, 0666));
+  FILE* const stream = file ? fdopen(file.get(), "ab") : nullptr;
+  if (stream != nullptr) file.release();
+  return stream;
+}
+
+// Always in append mode: after a truncation by somebody else the next record stands at the new end and leaves
+// no hole.
 bool OpenPath(LogHandleRec& handle, const sint8* path, OpenMode mode) {
-  const bool keep = mode == OpenMode::kAppend;
-  const int flags = keep ? O_RDWR : O_WRONLY | O_TRUNC;
-  FileDescriptor file(open(path, flags | O_CREAT | O_APPEND | O_CLOEXEC, 0666));
-  if (!file) return false;
-  handle.file_out = fdopen(file.get(), keep ? "ab+" : "ab");
+  handle.file_out = mode == OpenMode::kAppend ? std::fopen(path, "ab+e") : OpenEmptied(path);
   if (handle.file_out == nullptr) return false;
-  file.release();
   LendBuffer(handle);
   return true;
 }
