@@ -1,0 +1,30 @@
+// A message's text from its format and arguments, for the conversions that messages are mostly made of.
+#ifndef VINTRA_VINTRAMODULE_MESSAGEFORMAT_H
+#define VINTRA_VINTRAMODULE_MESSAGEFORMAT_H
+
+#include <cstdarg>
+#include <cstddef>
+
+#include "Common/BaseTypes.h"
+
+namespace vintra {
+
+constexpr int kNotCommon = -1;
+
+// Formats as vsnprintf does, byte for byte and with the same result, at a third of its cost. It knows
+//
+//   %%  %c  %s  %p  %f                           plain ones of %p only
+//   %d  %i  %u  %x  %X  %o                       with hh, h, l, ll, z, j, t
+//   the flags -, 0 and +, width and precision    as numbers
+//
+// and returns kNotCommon, with anything in text, where a format holds something else, or where an argument or
+// the thread's settings ask for more: a null pointer, a NUL for %c, a decimal point that is not ".", another
+// rounding than to the nearest. The whole message is then vsnprintf's. What it does format holds no NUL.
+//
+// size is at least 1. args is not used up.
+int FormatCommon(sint8* text, std::size_t size, const sint8* format, va_list args)
+    __attribute__((format(printf, 3, 0)));
+
+}  // namespace vintra
+
+#endif
