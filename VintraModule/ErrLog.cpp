@@ -28,20 +28,20 @@ void ComposeErrLogPath(sint8 (&path)[kErrLogPathSize]) {
 }
 
 // The whole line, or null when there is no memory for it. A message that cannot be formatted reads as empty.
-HeapText ComposeLine(std::string_view stamp, uint32 millisecond, const sint8* file_name, uint32 line,
-                     const sint8* format, va_list args) __attribute__((format(printf, 5, 0)));
+HeapText ComposeLine(std::string_view stamp, const sint8* file_name, uint32 line, const sint8* format,
+                     va_list args) __attribute__((format(printf, 4, 0)));
 
-HeapText ComposeLine(std::string_view stamp, uint32 millisecond, const sint8* file_name, uint32 line,
-                     const sint8* format, va_list args) {
+HeapText ComposeLine(std::string_view stamp, const sint8* file_name, uint32 line, const sint8* format,
+                     va_list args) {
   sint8* message = nullptr;
   const HeapText message_owner(vasprintf(&message, format, args) < 0 ? nullptr : message);
   const vintra::PathParts source = vintra::SplitPathParts(file_name == nullptr ? "" : file_name);
 
   sint8* text = nullptr;
-  const int length = asprintf(&text, "%.*s.%03u  Errlog:%.*s%.*s(%d) %s\n", static_cast<int>(stamp.size()),
-                              stamp.data(), millisecond, static_cast<int>(source.name.size()),
-                              source.name.data(), static_cast<int>(source.ext.size()), source.ext.data(),
-                              static_cast<int>(line), message_owner ? message_owner.get() : "");
+  const int length =
+      asprintf(&text, "%.*s Errlog:%.*s%.*s(%d) %s\n", static_cast<int>(stamp.size()), stamp.data(),
+               static_cast<int>(source.name.size()), source.name.data(), static_cast<int>(source.ext.size()),
+               source.ext.data(), static_cast<int>(line), message_owner ? message_owner.get() : "");
   return HeapText(length < 0 ? nullptr : text);
 }
 
@@ -49,17 +49,18 @@ HeapText ComposeLine(std::string_view stamp, uint32 millisecond, const sint8* fi
 
 sint32 PrintErrLog(const sint8* file_name, uint32 line, const sint8* format, ...) {
   const vintra::CancellationPause pause;
-  vintra::SecondText second{};
-  const vintra::ClockReading now = vintra::ReadClock(second);
+  vintra::Stamp stamp{};
+  stamp.shows_date = stamp.shows_time = true;
+  vintra::ReadClock(stamp);
   sint8 path[kErrLogPathSize];
   ComposeErrLogPath(path);
   const vintra::FileDescriptor file(open(path, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666));
   if (!file) return 0;
-  if (!now.valid) return vintra::kClockUnreadable;
+  if (!stamp.is_valid) return vintra::kClockUnreadable;
 
   va_list args;
   va_start(args, format);
-  const HeapText text = ComposeLine(second.View(true, true), now.millisecond, file_name, line, format, args);
+  const HeapText text = ComposeLine(stamp.View(false), file_name, line, format, args);
   va_end(args);
   if (!text) return 0;
 

@@ -4,6 +4,7 @@
 #include <time.h>
 
 #include <cstdint>
+#include <cstring>
 
 namespace vintra {
 
@@ -15,19 +16,36 @@ ZoneMark CurrentZone() {
           __atomic_load_n(&::tzname[0], __ATOMIC_RELAXED), __atomic_load_n(&::tzname[1], __ATOMIC_RELAXED)};
 }
 
-void UpdateSecondText(SecondText& text, std::time_t second) {
-  if (text.valid && second == text.second - 1) second = text.second;
-  if (text.valid && second == text.second && CurrentZone() == text.zone) return;
-
+// Apart from its caller, which seldom comes here and needs no stack for it.
+[[gnu::noinline]] void ConvertSecond(Stamp& stamp, std::time_t second) {
   std::tm local{};
   const bool converted = ConvertToLocal(second, local);
-  text.day = converted ? DayNumber(local) : 0;
-  text.date_length = converted ? std::strftime(text.text, kConversionSize, "%Y-%m-%d ", &local) : 0;
-  sint8* const time_text = text.text + text.date_length;
-  text.time_length = converted ? std::strftime(time_text, kConversionSize, "%H:%M:%S", &local) : 0;
-  text.second = second;
-  text.zone = CurrentZone();
-  text.valid = true;
+  sint8* const begin = stamp.text + 2;
+  sint8* end = begin;
+  stamp.is_complete = true;
+  const auto advance = [&](std::size_t length) {
+    stamp.is_complete = stamp.is_complete && length != 0;
+    end += length;
+  };
+  std::memcpy(stamp.text, "\r\n", 2);
+  if (stamp.shows_date) advance(converted ? std::strftime(end, kConversionSize, "%Y-%m-%d ", &local) : 0);
+  if (stamp.shows_time) {
+    advance(converted ? std::strftime(end, kConversionSize, "%H:%M:%S", &local) : 0);
+    end += kMillisecondSize;
+  }
+  stamp.length = static_cast<std::size_t>(end - begin);
+  stamp.day = converted ? DayNumber(local) : 0;
+  stamp.second = second;
+  stamp.zone = CurrentZone();
+  stamp.is_valid = true;
+}
+
+void WriteMillisecond(Stamp& stamp, uint32 millisecond) {
+  stamp.millisecond = millisecond;
+  if (!stamp.shows_time) return;
+  const auto digit = [=](uint32 place) { return static_cast<sint8>('0' + millisecond / place % 10); };
+  const sint8 text[kMillisecondSize] = {'.', digit(100), digit(10), digit(1), ' '};
+  std::memcpy(stamp.text + 2 + stamp.length - sizeof text, text, sizeof text);
 }
 
 }  // namespace
@@ -56,14 +74,17 @@ uint32 DayNumber(const std::tm& local) {
   return year >= 0 && number <= INT32_MAX ? static_cast<uint32>(number) : 0;
 }
 
-ClockReading ReadClock(SecondText& text) {
+void ReadClock(Stamp& stamp) {
   const ClockReading now = ReadClock();
-  if (now.valid) {
-    UpdateSecondText(text, now.second);
-  } else {
-    text = {};
+  if (!now.valid) {
+    stamp.is_valid = false;
+    stamp.day = 0;
+    return;
   }
-  return now;
+  const std::time_t second = stamp.is_valid && now.second == stamp.second - 1 ? stamp.second : now.second;
+  const bool is_current = stamp.is_valid && second == stamp.second && CurrentZone() == stamp.zone;
+  if (!is_current) ConvertSecond(stamp, second);
+  if (!is_current || now.millisecond != stamp.millisecond) WriteMillisecond(stamp, now.millisecond);
 }
 
 }  // namespace vintra

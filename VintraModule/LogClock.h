@@ -11,6 +11,10 @@
 namespace vintra {
 
 constexpr std::size_t kConversionSize = 64;  // of one date or time conversion, terminator included
+constexpr std::size_t kMillisecondSize = 5;  // of ".%03u "
+constexpr std::size_t kCopyBlock = 16;       // by which ready pieces of a line are copied
+constexpr std::size_t kStampSize = 2 + 2 * kConversionSize + kMillisecondSize + kCopyBlock;
+constexpr uint32 kLastMillisecond = 999;  // beyond it the text has only the last three digits
 
 struct ClockReading {
   bool valid;  // false: the clock could not be read
@@ -39,28 +43,30 @@ struct ZoneMark {
   bool operator==(const ZoneMark&) const = default;
 };
 
-// Day, date text and time text of one second in local time, kept so that it is converted once a second and
-// not once a record. All zero is the empty cache.
-struct SecondText {
-  bool valid;  // the fields below are those of second
+// An instant in local time as the beginning of a line, kept so that a second is converted once and not for
+// each record. Whoever has a stamp says once what it shows; the rest begins as all zero.
+struct Stamp {
+  bool shows_date;
+  bool shows_time;
+
+  bool is_valid;     // false: the clock could not be read
+  bool is_complete;  // false: what is shown could not be converted, and is left out
   std::time_t second;
   ZoneMark zone;
-  uint32 day;                       // as the number yyyymmdd; 0: there is none
-  std::size_t date_length;          // 0: the date could not be converted
-  std::size_t time_length;          // 0: the time could not be converted
-  sint8 text[2 * kConversionSize];  // "%Y-%m-%d " and directly behind it "%H:%M:%S"
+  uint32 day;  // as the number yyyymmdd; 0: there is none
+  uint32 millisecond;
+  std::size_t length;      // of the text behind the line break
+  sint8 text[kStampSize];  // CR LF "%Y-%m-%d " "%H:%M:%S" ".%03u "
 
-  std::string_view View(bool with_date, bool with_time) const {
-    return {text + (with_date ? 0 : date_length),
-            (with_date ? date_length : 0) + (with_time ? time_length : 0)};
+  std::string_view View(bool with_break) const {
+    return with_break ? std::string_view(text, 2 + length) : std::string_view(text + 2, length);
   }
 };
 
-// Reads the clock and makes text that of its second, converting only for another second or after a change of
-// the time zone; text is empty when the clock cannot be read. The second just before the last one counts as
-// the last one, which then lasts for two: stamps do not step back by a second when the clock is, as for a
-// leap second.
-ClockReading ReadClock(SecondText& text);
+// Reads the clock into stamp, converting only for another second or after a change of the time zone. The
+// second just before the last one counts as the last one, which then lasts for two: stamps do not step back
+// by a second when the clock is, as for a leap second.
+void ReadClock(Stamp& stamp);
 
 }  // namespace vintra
 

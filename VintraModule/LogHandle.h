@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <string_view>
 
 #include "VintraModule/LogClock.h"
 #include "VintraModule/VintraModule.h"
@@ -30,6 +31,25 @@ enum ResultCode : sint32 {
   kClockUnreadable = 12,
   kNoSystemInfo = 13,  // the host name or the system identification could not be read
 };
+
+}  // namespace vintra
+
+namespace vintra {
+
+struct FileMode;
+
+constexpr std::size_t kTagSize = 32;     // of a tag, of which the longest has ten characters
+constexpr std::size_t kLabelSize = 120;  // of the tag, the module's name and two blanks, with room for a block
+
+// What every record of a level has behind its stamp: the tag and the module's name with its two blanks.
+struct LineLabel {
+  std::size_t length;
+  sint8 text[kLabelSize];
+
+  std::string_view View() const { return {text, length}; }
+};
+
+static_assert(kLabelSize >= kTagSize + kTextSize + kCopyBlock);
 
 }  // namespace vintra
 
@@ -81,9 +101,12 @@ struct LogHandleRec {
   sint8 log_module_name[VINTRA_TEXT_SIZE];
   uint32 log_encrypt;
 
-  // Behind the published fields, under Critical_Section.
-  vintra::ClockReading now;  // one for a record: what decides its file is also what it is stamped with
-  vintra::SecondText second_text;
+  // Behind the published fields. Start-up only.
+  vintra::LineLabel labels[Log_Level_Disable];  // of level 1, 2 and so on
+  const vintra::FileMode* file_mode;            // null: the handle opens no file
+
+  // Under Critical_Section.
+  vintra::Stamp stamp;   // one for a record: what decides its file is also what it is stamped with
   sint8* stream_buffer;  // lent to file_out; null where the stream has its own
   bool first_flush_due;  // a roll has started the file, and nothing of it has been flushed yet
 };

@@ -15,8 +15,6 @@ struct LevelRow {
   const sint8* config_name;
 };
 
-constexpr std::size_t kTagSize = 32;  // of the buffer that a tag is copied into
-
 constexpr LevelRow kLevels[] = {
     {Log_Level_Trace, "Trace", "[TRACE]  ", "Log_Level_Trace"},
     {Log_Level_Debug, "Debug", "[DEBUG]  ", "Log_Level_Debug"},

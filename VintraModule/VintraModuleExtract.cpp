@@ -1,7 +1,9 @@
 #include "VintraModule/VintraModuleExtract.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <memory>
 #include <new>
 #include <span>
@@ -144,6 +146,22 @@ void CopyModuleName(const LogConfigRecEx& config, LogHandleRec& handle) {
   REPORT_ERROR("LOG_MODULE_INIT_Ex module_name(%s) has no terminator and is cut.", handle.log_module_name);
 }
 
+// Prepares what the lines of a handle have in common.
+void PrepareLines(LogHandleRec& handle) {
+  handle.stamp.shows_date = handle.log_date != 0;
+  handle.stamp.shows_time = handle.log_time != 0;
+  const std::string_view module_name = handle.log_module_name;
+  for (uint32 level = handle.log_level; level <= Log_Level_Disable; ++level) {
+    const bool has_tag = handle.log_level_info && level != Log_Level_Disable;
+    const std::string_view tag = has_tag ? vintra::kLevels[level - 1].tag : "";
+    sint8* const text = handle.labels[level - 1].text;
+    vintra::CopyShort(text, tag.data(), tag.size());
+    vintra::CopyShort(text + tag.size(), module_name.data(), module_name.size());
+    std::memcpy(text + tag.size() + module_name.size(), "  ", 2);
+    handle.labels[level - 1].length = tag.size() + module_name.size() + 2;
+  }
+}
+
 }  // namespace
 
 namespace vintra {
@@ -184,6 +202,7 @@ sint32 LogModuleInitExtract(const LogConfigRecEx* a_log_config, LOGHANDLE* a_log
   handle->log_encrypt = a_log_config->log_encrypt;
   CopyModuleName(*a_log_config, *handle);
   AnalysisLogFormat(a_log_config, handle.get());
+  PrepareLines(*handle);
 
   sint8 file_name[vintra::kFileNameSize] = {};
   sint8 path[vintra::kPathSize] = {};
@@ -210,8 +229,9 @@ sint32 SetLogFilesize(const LogConfigRecEx* a_log_config, LogHandleRec* log_hand
     REPORT_ERROR("LOG_MODULE_INIT_Ex create path(%s) failed.", log_handle->log_file_path);
     return vintra::kNoFolder;
   }
-  const vintra::FileMode& mode = vintra::FindFileMode(log_handle->log_mode);
-  if (const sint32 code = mode.start(a_log_config, log_handle, file_name, log_file_name); code != 0)
+  log_handle->file_mode = &vintra::FindFileMode(log_handle->log_mode);
+  if (const sint32 code = log_handle->file_mode->start(a_log_config, log_handle, file_name, log_file_name);
+      code != 0)
     return code;
 
   if (!log_handle->log_swith) {
@@ -245,8 +265,8 @@ sint32 SetDateLogFileName(const LogConfigRecEx* a_log_config, LogHandleRec* log_
   log_handle->log_time_span = a_log_config->log_time_span;
   log_handle->max_backup_index = a_log_config->max_backup_index;
   vintra::RemoveExpiredFiles(*log_handle);
-  log_handle->now = vintra::ReadClock(log_handle->second_text);
-  log_handle->cur_date_ID = log_handle->second_text.day;
+  vintra::ReadClock(log_handle->stamp);
+  log_handle->cur_date_ID = log_handle->stamp.day;
   if (log_handle->cur_date_ID == 0) return vintra::kClockUnreadable;
   if (OpenFirstWithRoom(*log_handle, vintra::DateName, file_name, log_file_name)) return vintra::kSuccess;
   if (log_handle->file_out == nullptr) return ReportNotOpened(log_file_name);

@@ -1,16 +1,19 @@
 #include "VintraModule/VintraModuleInter.h"
 
+#if __has_include(<sys/single_threaded.h>)
+#include <sys/single_threaded.h>
+#endif
+
 #include <algorithm>
-#include <array>
 #include <atomic>
 #include <cerrno>
 #include <charconv>
 #include <climits>
 #include <cstdlib>
 #include <cstring>
-#include <iterator>
 #include <span>
 #include <string_view>
+#include <utility>
 
 #include "Common/Handles.h"
 #include "Common/Text.h"
@@ -18,6 +21,7 @@
 #include "VintraModule/FileMode.h"
 #include "VintraModule/LogFile.h"
 #include "VintraModule/LogNames.h"
+#include "VintraModule/MessageFormat.h"
 #include "VintraModule/Retention.h"
 #include "VintraModule/Scrambling.h"
 
@@ -29,25 +33,25 @@ using vintra::HeapText;
 
 constexpr std::size_t kMessageSize = 1024;  // of the first attempt, which nearly always fits
 
-// CR LF 2, date 63, time 63, ".%03u " 5, tag 10, two names of 63, line number 10, blanks and brackets 8: 287.
-constexpr std::size_t kHeaderSize = 1024;
+// The longest header: the stamp, the label, two brackets and a blank for each of the source file and the ten
+// digits of its line.
+constexpr std::size_t kHeaderSize = vintra::kStampSize + vintra::kLabelSize + vintra::kTextSize + 10 + 2 * 3;
 
-class HeaderText {
- public:
-  // Appends piece whole, or returns false and appends nothing.
-  [[nodiscard]] bool Append(std::string_view piece) {
-    if (piece.size() > text_.size() - length_) return false;
-    if (!piece.empty()) std::memcpy(text_.data() + length_, piece.data(), piece.size());
-    length_ += piece.size();
-    return true;
+// What puts a header together takes its end, and returns the new one.
+
+// Copies whole blocks, whose rest the next piece overwrites: for the stamp and the label, which have room
+// behind them, that costs half of an exact copy.
+sint8* AppendBlocks(sint8* end, std::string_view piece) {
+  for (std::size_t at = 0; at < piece.size(); at += vintra::kCopyBlock) {
+    std::memcpy(end + at, piece.data() + at, vintra::kCopyBlock);
   }
+  return end + piece.size();
+}
 
-  std::span<sint8> Bytes() { return {text_.data(), length_}; }
-
- private:
-  std::array<sint8, kHeaderSize> text_;  // only what is appended is ever read
-  std::size_t length_ = 0;
-};
+sint8* Append(sint8* end, std::string_view piece) {
+  std::memcpy(end, piece.data(), piece.size());
+  return end + piece.size();
+}
 
 // The errno of the host, which a record neither changes nor loses sight of.
 class HostErrno {
@@ -62,29 +66,40 @@ class HostErrno {
   const int value_ = errno;
 };
 
-// Formats a whole message of any length. Returns null without memory, or when no buffer could hold the
-// message.
-HeapText FormatMessage(const HostErrno& host_errno, const sint8* format, va_list args)
-    __attribute__((format(printf, 2, 0)));
+// vsnprintf, which leaves args as it was and knows the host's errno for "%m".
+int Print(const HostErrno& host_errno, sint8* text, std::size_t size, const sint8* format, va_list args)
+    __attribute__((format(printf, 4, 0)));
 
-HeapText FormatMessage(const HostErrno& host_errno, const sint8* format, va_list args) {
+int Print(const HostErrno& host_errno, sint8* text, std::size_t size, const sint8* format, va_list args) {
+  va_list attempt;
+  va_copy(attempt, args);
+  host_errno.Restore();
+  const int length = std::vsnprintf(text, size, format, attempt);
+  va_end(attempt);
+  return length;
+}
+
+// Formats a message that FormatCommon has left, with length saying why, or found too long for the buffer that
+// every message starts with. The buffer grows to any length. Returns the length of the message up to its
+// first NUL, where the record ends; or -1 when there is no memory, or no buffer could hold the message.
+std::ptrdiff_t FormatAnyMessage(HeapText& text, int length, const HostErrno& host_errno, const sint8* format,
+                                va_list args) __attribute__((format(printf, 4, 0), noinline));
+
+std::ptrdiff_t FormatAnyMessage(HeapText& text, int length, const HostErrno& host_errno, const sint8* format,
+                                va_list args) {
   std::size_t size = kMessageSize;
-  HeapText text(static_cast<sint8*>(std::malloc(size)));
-  while (text) {
-    va_list attempt;  // one formatting uses a va_list up
-    va_copy(attempt, args);
-    host_errno.Restore();  // for "%m"
-    const int length = std::vsnprintf(text.get(), size, format, attempt);
-    va_end(attempt);
-    if (length >= 0 && static_cast<std::size_t>(length) < size) break;
-    if (length < 0 && (errno == EILSEQ || errno == EOVERFLOW || size > INT_MAX)) return nullptr;
+  if (length == vintra::kNotCommon) length = Print(host_errno, text.get(), size, format, args);
+  while (length < 0 || static_cast<std::size_t>(length) >= size) {
+    if (length < 0 && (errno == EILSEQ || errno == EOVERFLOW || size > INT_MAX)) return -1;
     size = length < 0 ? size * 2 : static_cast<std::size_t>(length) + 1;
     auto* const grown = static_cast<sint8*>(std::realloc(text.get(), size));
-    if (grown == nullptr) return nullptr;
+    if (grown == nullptr) return -1;
     static_cast<void>(text.release());
     text.reset(grown);
+    length = vintra::FormatCommon(text.get(), size, format, args);
+    if (length == vintra::kNotCommon) length = Print(host_errno, text.get(), size, format, args);
   }
-  return text;
+  return static_cast<std::ptrdiff_t>(std::strlen(text.get()));
 }
 
 struct SourcePosition {
@@ -103,55 +118,110 @@ SourcePosition LoadSource(LogHandleRec& handle) {
 }
 
 // Appends "[%s] " and "[%d] " with the stored position, as far as there is one and the line shows it.
-bool AppendSource(LogHandleRec& handle, HeaderText& header) {
-  if (!handle.log_src_file && !handle.log_src_line) return true;
+sint8* AppendSource(sint8* end, LogHandleRec& handle) {
+  if (!handle.log_src_file && !handle.log_src_line) return end;
   const SourcePosition source = LoadSource(handle);
-  const bool shows_file = handle.log_src_file && source.file[0] != '\0';
-  if (shows_file && !(header.Append("[") && header.Append(source.file) && header.Append("] "))) return false;
-  if (!handle.log_src_line || source.line == 0) return true;
-  sint8 digits[10];  // of the largest uint32
-  const std::to_chars_result end = std::to_chars(std::begin(digits), std::end(digits), source.line);
-  return header.Append("[") && header.Append({digits, end.ptr}) && header.Append("] ");
+  if (handle.log_src_file && source.file[0] != '\0') {
+    end = Append(Append(Append(end, "["), source.file), "] ");
+  }
+  if (handle.log_src_line && source.line != 0) {
+    end = Append(std::to_chars(Append(end, "["), end + 11, source.line).ptr, "] ");
+  }
+  return end;
 }
 
-// Appends the pieces of a line's header in their fixed order. Reports and returns 10 when one cannot be
-// formatted.
-sint32 AppendHeader(LogHandleRec& handle, std::string_view tag, HeaderText& header) {
-  const vintra::ClockReading& now = handle.now;
-  const vintra::SecondText& second = handle.second_text;
-  if ((handle.log_date && second.date_length == 0) || (handle.log_time && second.time_length == 0)) {
+// Puts the pieces of a line's header together in their fixed order. Reports and returns null when the stamp
+// could not be formatted.
+sint8* AppendHeader(sint8* end, LogHandleRec& handle, LogLevel level) {
+  const vintra::Stamp& stamp = handle.stamp;
+  if (!stamp.is_complete) {
     REPORT_ERROR("logMsgWriteFile strftime failed(errorcode:%d).", 0);
-    return vintra::kHeaderFailed;
+    return nullptr;
   }
-  if (handle.log_time && now.millisecond > 999) {  // no clock says so, and the field has three digits
+  if (stamp.shows_time && stamp.millisecond > vintra::kLastMillisecond) {  // no clock says so
     REPORT_ERROR("logMsgWriteFile strftime sprintf(errorcode:%d).", -1);
-    return vintra::kHeaderFailed;
+    return nullptr;
   }
-  const auto digit = [&now](uint32 place) { return static_cast<sint8>('0' + now.millisecond / place % 10); };
-  const sint8 milliseconds[] = {'.', digit(100), digit(10), digit(1), ' '};
-
-  const bool complete = (!handle.log_new_line || handle.file_size == 0 || header.Append("\r\n")) &&
-                        header.Append(second.View(handle.log_date != 0, handle.log_time != 0)) &&
-                        (!handle.log_time || header.Append({milliseconds, sizeof milliseconds})) &&
-                        (!handle.log_level_info || header.Append(tag)) &&
-                        header.Append(vintra::FieldText(handle.log_module_name)) && header.Append("  ") &&
-                        AppendSource(handle, header);
-  if (complete) return vintra::kSuccess;
-  REPORT_ERROR("logMsgWriteFile sprintf failed(errorcode:%d).", -1);
-  return vintra::kHeaderFailed;
+  end = AppendBlocks(end, stamp.View(handle.log_new_line && handle.file_size != 0));
+  end = AppendBlocks(end, handle.labels[level - 1].View());
+  return AppendSource(end, handle);
 }
 
-// Writes one piece of a record as one item and counts it. Returns the number of items written. The stream
-// locks itself: a host that calls fflush(nullptr) reaches it without the handle's mutex.
-std::size_t WritePiece(LogHandleRec& handle, FILE* file_out, std::span<sint8> piece) {
+// Holds a stream while a record is written. A host's thread that calls fflush(nullptr) reaches the stream
+// without the handle's mutex; without threads nobody does.
+class StreamLock {
+ public:
+  explicit StreamLock(FILE* stream) : stream_(HasThreads() ? stream : nullptr) {
+    if (stream_ != nullptr) flockfile(stream_);
+  }
+  StreamLock(const StreamLock&) = delete;
+  StreamLock& operator=(const StreamLock&) = delete;
+  ~StreamLock() {
+    if (stream_ != nullptr) funlockfile(stream_);
+  }
+
+ private:
+  static bool HasThreads() {
+#if __has_include(<sys/single_threaded.h>)
+    return !__libc_single_threaded;
+#else
+    return true;
+#endif
+  }
+
+  FILE* const stream_;
+};
+
+// Does what fwrite_unlocked does for one item, without a call where the stream's buffer has room. These are
+// the two pointers that the C library's own putc_unlocked works on where it is expanded in its caller.
+inline std::size_t PutItem(std::span<const sint8> item, FILE* stream) {
+#ifdef __GLIBC__
+  if (std::ssize(item) <= stream->_IO_write_end - stream->_IO_write_ptr) {
+    vintra::CopyShort(stream->_IO_write_ptr, item.data(), item.size());
+    stream->_IO_write_ptr += item.size();
+    return 1;
+  }
+#endif
+  return fwrite_unlocked(item.data(), item.size(), 1, stream);
+}
+
+// Writes one piece of a record as one item and counts it. Returns the number of items written. The stream is
+// locked.
+inline std::size_t WritePiece(LogHandleRec& handle, FILE* file_out, std::span<sint8> piece) {
   if (handle.log_encrypt == 1) vintra::Scramble(piece);
-  const std::size_t items = std::fwrite(piece.data(), piece.size(), 1, file_out);
+  const std::size_t items = PutItem(piece, file_out);
   if (items == 1) {
     // Saturates: a file of 4 GiB is full, not empty.
-    const std::size_t room = UINT32_MAX - handle.file_size;
-    handle.file_size += static_cast<uint32>(std::min(piece.size(), room));
+    const std::uint64_t size = std::uint64_t{handle.file_size} + piece.size();
+    handle.file_size = static_cast<uint32>(std::min<std::uint64_t>(size, UINT32_MAX));
   }
   return items;
+}
+
+// Writes header and message to file_out, counts them and flushes when enough bytes have gathered. The stamp
+// is the handle's. The lock is held.
+sint32 logMsgWriteFile(LogHandleRec* log_handle, FILE* file_out, LogLevel log_level, std::span<sint8> str) {
+  if (!log_handle->stamp.is_valid) return vintra::kClockUnreadable;
+  sint8 header[kHeaderSize];
+  const sint8* const end = AppendHeader(header, *log_handle, log_level);
+  if (end == nullptr) return vintra::kHeaderFailed;
+
+  const StreamLock lock(file_out);
+  if (const std::size_t items = WritePiece(*log_handle, file_out, {header, end}); items != 1) {
+    REPORT_ERROR("logMsgWriteFile fwrite failed(errorcode:%d).", static_cast<int>(items));
+    return vintra::kWriteFailed;
+  }
+  if (!str.empty()) {
+    if (const std::size_t items = WritePiece(*log_handle, file_out, str); items != 1) {
+      REPORT_ERROR("logMsgWriteFile vfprintf failed(errorcode:%d).", static_cast<int>(items));
+      return vintra::kWriteFailed;
+    }
+  }
+
+  // Unsigned: behind a rollover the difference to the kept flush_size is huge.
+  const uint32 unflushed = log_handle->file_size - log_handle->flush_size;
+  if (log_handle->file_flush_size > unflushed) return vintra::kSuccess;
+  return vintra::FlushLogFile(*log_handle);
 }
 
 // Opens the next file, emptied. The one before it has been ended.
@@ -161,18 +231,48 @@ sint32 OpenNextFile(LogHandleRec& handle, const sint8* name, sint8* path) {
   return vintra::kNoFile;
 }
 
+// The rolls stand apart from the checks, which run before every record and would pay for a roll's stack.
+
+[[gnu::noinline]] sint32 RollFile(LogHandleRec& handle, sint8* path) {
+  const vintra::CancellationPause pause;
+  vintra::EndLogFile(handle);
+  return OpenNextFile(handle, handle.log_file_name, path);
+}
+
+[[gnu::noinline]] sint32 RollRing(LogHandleRec& handle, sint8* name, sint8* path) {
+  const vintra::CancellationPause pause;
+  vintra::EndLogFile(handle);
+  handle.cur_log_file_ID = vintra::RingNumber(handle.cur_log_file_ID + 1, handle.max_backup_index);
+  vintra::RollbackName(handle, handle.cur_log_file_ID, name);
+  return OpenNextFile(handle, name, path);
+}
+
+[[gnu::noinline]] sint32 RollDay(LogHandleRec& handle, uint32 day, sint8* name, sint8* path) {
+  const vintra::CancellationPause pause;
+  vintra::EndLogFile(handle);
+  vintra::RemoveExpiredFiles(handle);
+  const bool same_day = day == handle.cur_date_ID;
+  handle.cur_log_file_ID =
+      same_day ? vintra::RingNumber(handle.cur_log_file_ID + 1, handle.max_backup_index) : 0;
+  handle.cur_date_ID = day;
+  vintra::DateName(handle, handle.cur_log_file_ID, name);
+  return OpenNextFile(handle, name, path);
+}
+
 }  // namespace
 
 namespace vintra {
 
-sint32 FormatAndLog(LOGHANDLE log_handle, const LevelRow& row, const sint8* format, va_list args) {
-  const LogHandleRec* const handle = LiveHandle(log_handle);
-  if (format == nullptr || handle == nullptr) return kInvalidArgument;
-  if (handle->log_level > row.level) return kSuccess;
+sint32 FormatAndLog(LogHandleRec& handle, LogLevel level, const sint8* format, va_list args) {
   const HostErrno host_errno;
-  const HeapText message = FormatMessage(host_errno, format, args);
-  if (!message) return kNoMemory;
-  return LogRecord(log_handle, row.word, format, message.get());
+  HeapText text(static_cast<sint8*>(std::malloc(kMessageSize)));
+  if (!text) return kNoMemory;
+  std::ptrdiff_t length = FormatCommon(text.get(), kMessageSize, format, args);
+  if (length == kNotCommon || length >= std::ptrdiff_t{kMessageSize}) {
+    length = FormatAnyMessage(text, static_cast<int>(length), host_errno, format, args);
+    if (length < 0) return kNoMemory;
+  }
+  return LogMsg(&handle, level, {text.get(), static_cast<std::size_t>(length)});
 }
 
 void StoreSource(LogHandleRec& handle, const sint8* source_file_name, sint32 source_file_line) {
@@ -197,7 +297,7 @@ sint32 LogRecord(LOGHANDLE log_handle, const sint8* level, const sint8* format, 
   LogLevel record_level{};
   GetLogLevel(level, tag, record_level);
   if (handle->log_level > record_level) return vintra::kSuccess;
-  return LogMsg(handle, tag, msg);
+  return LogMsg(handle, record_level, {msg, std::strlen(msg)});
 }
 
 void GetLogLevel(const sint8* level, sint8* str, LogLevel& log_level) {
@@ -213,16 +313,16 @@ void GetLogLevel(const sint8* level, sint8* str, LogLevel& log_level) {
   }
 }
 
-sint32 LogMsg(LogHandleRec* log_handle, const sint8* log_level, sint8* msg) {
+sint32 LogMsg(LogHandleRec* log_handle, LogLevel log_level, std::span<sint8> msg) {
   sint8 file_name[vintra::kPathSize];
   sint8 path[vintra::kPathSize];
   file_name[0] = path[0] = '\0';
 
   const vintra::MutexLock lock(log_handle->Critical_Section);
   if (log_handle->file_out == nullptr) return vintra::kInvalidArgument;
-  log_handle->now = vintra::ReadClock(log_handle->second_text);
-  const vintra::FileMode& mode = vintra::FindFileMode(log_handle->log_mode);
-  if (const sint32 code = mode.rollover(log_handle, file_name, path); code != 0) return code;
+  vintra::ReadClock(log_handle->stamp);
+  if (const sint32 code = log_handle->file_mode->rollover(log_handle, file_name, path); code != 0)
+    return code;
   const sint32 code = logMsgWriteFile(log_handle, log_handle->file_out, log_level, msg);
   if (code != 0 || !log_handle->first_flush_due) return code;
   // The arithmetic with the kept flush_size mostly sees to the first record of a rolled file, but not where
@@ -230,57 +330,21 @@ sint32 LogMsg(LogHandleRec* log_handle, const sint8* log_level, sint8* msg) {
   return vintra::FlushLogFile(*log_handle);
 }
 
-sint32 logMsgWriteFile(LogHandleRec* log_handle, FILE* file_out, const sint8* log_level, sint8* str) {
-  if (!log_handle->now.valid) return vintra::kClockUnreadable;
-  HeaderText header;
-  if (const sint32 code = AppendHeader(*log_handle, log_level, header); code != 0) return code;
-
-  if (const std::size_t items = WritePiece(*log_handle, file_out, header.Bytes()); items != 1) {
-    REPORT_ERROR("logMsgWriteFile fwrite failed(errorcode:%d).", static_cast<int>(items));
-    return vintra::kWriteFailed;
-  }
-  if (const std::size_t length = std::strlen(str); length != 0) {
-    if (const std::size_t items = WritePiece(*log_handle, file_out, {str, length}); items != 1) {
-      REPORT_ERROR("logMsgWriteFile vfprintf failed(errorcode:%d).", static_cast<int>(items));
-      return vintra::kWriteFailed;
-    }
-  }
-
-  // Unsigned: behind a rollover the difference to the kept flush_size is huge.
-  const uint32 unflushed = log_handle->file_size - log_handle->flush_size;
-  if (log_handle->file_flush_size > unflushed) return vintra::kSuccess;
-  return vintra::FlushLogFile(*log_handle);
-}
-
 sint32 SimpleMode(LogHandleRec* log_handle, sint8* log_file_name) {
   if (log_handle->file_size < log_handle->max_file_size) return vintra::kSuccess;
-  const vintra::CancellationPause pause;
-  vintra::EndLogFile(*log_handle);
-  return OpenNextFile(*log_handle, log_handle->log_file_name, log_file_name);
+  return RollFile(*log_handle, log_file_name);
 }
 
 sint32 RollbackMode(LogHandleRec* log_handle, sint8* file_name, sint8* log_file_name) {
   // Unlike in the simple mode, a record that lands exactly on the limit is followed by one more.
   if (log_handle->file_size <= log_handle->max_file_size) return vintra::kSuccess;
-  const vintra::CancellationPause pause;
-  vintra::EndLogFile(*log_handle);
-  log_handle->cur_log_file_ID =
-      vintra::RingNumber(log_handle->cur_log_file_ID + 1, log_handle->max_backup_index);
-  vintra::RollbackName(*log_handle, log_handle->cur_log_file_ID, file_name);
-  return OpenNextFile(*log_handle, file_name, log_file_name);
+  return RollRing(*log_handle, file_name, log_file_name);
 }
 
 sint32 DateMode(LogHandleRec* log_handle, sint8* file_name, sint8* log_file_name) {
-  const uint32 day = log_handle->second_text.day;
+  const uint32 day = log_handle->stamp.day;
   if (day == 0) return vintra::kClockUnreadable;
   const bool same_day = day == log_handle->cur_date_ID;
   if (same_day && log_handle->file_size <= log_handle->max_file_size) return vintra::kSuccess;
-  const vintra::CancellationPause pause;
-  vintra::EndLogFile(*log_handle);
-  vintra::RemoveExpiredFiles(*log_handle);
-  log_handle->cur_log_file_ID =
-      same_day ? vintra::RingNumber(log_handle->cur_log_file_ID + 1, log_handle->max_backup_index) : 0;
-  log_handle->cur_date_ID = day;
-  vintra::DateName(*log_handle, log_handle->cur_log_file_ID, file_name);
-  return OpenNextFile(*log_handle, file_name, log_file_name);
+  return RollDay(*log_handle, day, file_name, log_file_name);
 }

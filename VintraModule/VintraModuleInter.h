@@ -3,6 +3,7 @@
 #define VINTRA_VINTRAMODULE_VINTRAMODULEINTER_H
 
 #include <cstdarg>
+#include <span>
 
 #include "VintraModule/ErrLog.h"
 #include "VintraModule/LogHandle.h"
@@ -10,8 +11,8 @@
 
 namespace vintra {
 
-// What the eight level functions share. A record that is refused or dropped is not formatted.
-sint32 FormatAndLog(LOGHANDLE log_handle, const LevelRow& row, const sint8* format, va_list args)
+// Formats a record that is known to be written, and writes it. What the eight level functions share.
+sint32 FormatAndLog(LogHandleRec& handle, LogLevel level, const sint8* format, va_list args)
     __attribute__((format(printf, 3, 0)));
 
 // Stores a source position as SourceInfo documents it.
@@ -27,12 +28,9 @@ sint32 LogRecord(LOGHANDLE log_handle, const sint8* level, const sint8* format, 
 // Looks a level word up. str receives the tag, 11 bytes at most.
 void GetLogLevel(const sint8* level, sint8* str, LogLevel& log_level);
 
-// Writes one record under the handle's lock, after the mode's rollover check.
-sint32 LogMsg(LogHandleRec* log_handle, const sint8* log_level, sint8* msg);
-
-// Writes header and message to file_out, counts them and flushes when enough bytes have gathered. log_level
-// is the tag, and the stamp is the handle's reading of the clock. The lock is held.
-sint32 logMsgWriteFile(LogHandleRec* log_handle, FILE* file_out, const sint8* log_level, sint8* str);
+// Writes one record under the handle's lock, after the mode's rollover check. Log_Level_Disable has no tag.
+// The message is scrambled in place where the handle says so.
+sint32 LogMsg(LogHandleRec* log_handle, LogLevel log_level, std::span<sint8> msg);
 
 // The rollover checks of the modes. Both texts are scratch of 260 bytes.
 //

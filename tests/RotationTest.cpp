@@ -186,10 +186,12 @@ TEST_F(RotationTest, FlushesWhenTheThresholdIsReached) {
     for (int call = 0; call < 2; ++call) EXPECT_EQ(LOG_MSG_FLUSH(handle_), 0);
     EXPECT_EQ(SizeOnDisk(), Record().file_size);
   }
-  char text[] = "123456789";
-  Record().file_size = UINT32_MAX - 5;
-  EXPECT_EQ(logMsgWriteFile(&Record(), Record().file_out, "", text), 0);
-  EXPECT_EQ(Record().file_size, UINT32_MAX) << "full, and not empty again";
+  Record().max_file_size = UINT32_MAX;
+  Record().file_size = UINT32_MAX - 15;
+  for (const uint32 size : {UINT32_MAX - 5, UINT32_MAX}) {
+    EXPECT_EQ(Write(10), 0);
+    EXPECT_EQ(Record().file_size, size) << "full, and not empty again";
+  }
 }
 
 TEST_F(RotationTest, FirstRecordAfterARolloverIsFlushed) {
@@ -231,8 +233,10 @@ TEST_F(RotationTest, FailuresOfReopeningWritingFlushingAndClosing) {
   EXPECT_EQ(Write(10), 0);
   for (const sint32 code : {7, 0}) EXPECT_EQ(LOG_MSG_FLUSH(handle_), code) << "not tried again";
   EXPECT_EQ(Write(10), 0);
-  char text[] = "x";
-  EXPECT_EQ(logMsgWriteFile(&Record(), vintra::FilePtr(std::fopen("/dev/null", "r")).get(), "", text), 7);
+  const vintra::FilePtr read_only(std::fopen("/dev/null", "r"));
+  FILE* const file_out = std::exchange(Record().file_out, read_only.get());
+  EXPECT_EQ(Write(10), 7);
+  Record().file_out = file_out;
   Close();
   EXPECT_EQ(Errors(), "LogMsg fflush" + failed + "logMsgWriteFile fwrite failed(errorcode:0).\n" +
                           "LogMsg fclose" + failed);
