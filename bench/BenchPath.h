@@ -6,10 +6,13 @@
 #include <filesystem>
 #include <string>
 
-// In VINTRA_BENCH_DIR, or in the system's temporary folder.
-inline std::string BenchPath(const char* name) {
-  const char* const folder = std::getenv("VINTRA_BENCH_DIR");
+// In the folder that the variable names, or in the system's temporary folder.
+inline std::string BenchPath(const std::string& name, const char* variable = "VINTRA_BENCH_DIR") {
+  const char* const folder = std::getenv(variable);
   return (folder != nullptr ? std::filesystem::path(folder) : std::filesystem::temp_directory_path()) / name;
 }
+
+// On a disk, for what is brought there.
+inline std::string DiskPath(const std::string& name) { return BenchPath(name, "VINTRA_BENCH_DISK_DIR"); }
 
 #endif

@@ -161,12 +161,12 @@ void ReadFile(benchmark::State& state) {
   }
 }
 
-BENCHMARK(ListFts)->Unit(benchmark::kMillisecond)->Repetitions(15);
-BENCHMARK(ListStd)->Unit(benchmark::kMillisecond)->Repetitions(15);
-BENCHMARK(List)->Unit(benchmark::kMillisecond)->Repetitions(15);
-BENCHMARK(SearchFts)->Unit(benchmark::kMillisecond)->Repetitions(15);
-BENCHMARK(Search)->Unit(benchmark::kMillisecond)->Repetitions(15);
-BENCHMARK(ReadFileBareLoop)->Unit(benchmark::kMillisecond)->Repetitions(15);
-BENCHMARK(ReadFile)->Unit(benchmark::kMillisecond)->Repetitions(15);
+BENCHMARK(ListFts)->Name("list/fts")->UseRealTime();
+BENCHMARK(ListStd)->Name("list/std")->UseRealTime();
+BENCHMARK(List)->Name("list/Vintra")->UseRealTime();
+BENCHMARK(SearchFts)->Name("search/fts")->UseRealTime();
+BENCHMARK(Search)->Name("search/Vintra")->UseRealTime();
+BENCHMARK(ReadFileBareLoop)->Name("read_file/bare loop")->UseRealTime();
+BENCHMARK(ReadFile)->Name("read_file/Vintra")->UseRealTime();
 
 }  // namespace

@@ -1,24 +1,21 @@
-// What finding and rewriting one key of an INI file of 10,000 keys in 100 sections costs, beside a parser
-// that reads the file into callbacks and one that loads and saves it whole.
+// The measurements of IniPeer.h, of ourselves too, and of reading the file alone.
 //
-// The lookup is of the last key, so that the whole file is read. Rewriting goes to the disk on both sides;
-// here fsync does nothing, as it would drown everything else, and RewriteSynced measures it by itself.
+// In the memory's folder fsync does nothing, as it would drown everything else; on the disk it is the
+// system's.
 #include <benchmark/benchmark.h>
-#include <fcntl.h>
-#include <glib.h>
-#include <ini.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <string>
-#include <vector>
+#include <utility>
 
 #include "ConfigFileINI/ConfigFileINI.h"
 #include "bench/BenchPath.h"
+#include "bench/IniPeer.h"
 
 namespace {
 
@@ -33,12 +30,10 @@ namespace {
 
 constexpr int kSections = 100;
 constexpr int kKeys = 100;  // in each section
-const char* const kLastSection = "section_99";
-const char* const kLastKey = "key_99";
 
 struct IniFile {
-  const std::string path = BenchPath("vintra_bench.ini");
-  IniFile() {
+  const std::string path;
+  explicit IniFile(const std::string& name) : path(name) {
     std::ofstream file(path);
     for (int section = 0; section < kSections; ++section) {
       file << "[section_" << section << "]\n";
@@ -52,82 +47,75 @@ struct IniFile {
   ~IniFile() { std::filesystem::remove(path); }
 };
 
-const char* Path() {
-  static const IniFile file;
-  return file.path.c_str();
-}
+using LookupCall = bool (*)(const char* path, std::string& value);
+using RewriteCall = bool (*)(const char* path, const char* number);
 
-void LookupBareRead(benchmark::State& state) {
-  std::vector<char> bytes(std::filesystem::file_size(Path()));
+void RunLookup(benchmark::State& state, LookupCall lookup) {
+  const IniFile file(BenchPath("vintra_bench.ini"));
+  bool found = true;
   for (auto _ : state) {
-    FILE* const file = std::fopen(Path(), "re");
-    const std::size_t size = std::fread(bytes.data(), 1, bytes.size(), file);
-    std::fclose(file);
-    int lines = 0;
-    const char* const end = bytes.data() + size;
-    for (const char* at = bytes.data(); at != end; ++lines) {
-      at = static_cast<const char*>(std::memchr(at, '\n', static_cast<std::size_t>(end - at))) + 1;
-    }
-    if (lines != kSections * (kKeys + 1)) state.SkipWithError("the file is not what it should be");
+    std::string value;
+    found = lookup(file.path.c_str(), value) && value == "value of key 99 in section 99" && found;
   }
+  if (!found) state.SkipWithError("the key was not found");
 }
 
-void LookupInih(benchmark::State& state) {
-  const ini_handler handler = [](void* found, const char* section, const char* name, const char*) {
-    if (std::strcmp(section, kLastSection) == 0 && std::strcmp(name, kLastKey) == 0)
-      ++*static_cast<int*>(found);
-    return 1;
-  };
-  for (auto _ : state) {
-    int found = 0;
-    if (ini_parse(Path(), handler, &found) != 0 || found != 1)
-      state.SkipWithError("inih has not found the key");
-  }
-}
-
-void Lookup(benchmark::State& state) {
-  const char* const path = Path();
-  for (auto _ : state) {
-    char value[64];
-    if (GetConfigFileString(kLastSection, kLastKey, "", value, sizeof value, path) == 0) {
-      state.SkipWithError("the key was not found");
-    }
-  }
-}
-
-void RewriteGlib(benchmark::State& state) {
-  syncs = false;
-  int number = 0;
-  for (auto _ : state) {
-    GKeyFile* const file = g_key_file_new();
-    gboolean done = g_key_file_load_from_file(file, Path(), G_KEY_FILE_KEEP_COMMENTS, nullptr);
-    g_key_file_set_integer(file, kLastSection, kLastKey, ++number);
-    done = done && g_key_file_save_to_file(file, Path(), nullptr);
-    g_key_file_unref(file);
-    if (!done) state.SkipWithError("GLib has not written the key");
-  }
-}
-
-void RunRewrite(benchmark::State& state, bool synced) {
+void RunRewrite(benchmark::State& state, RewriteCall rewrite, const std::string& path, bool synced) {
+  const IniFile file(path);
   syncs = synced;
+  bool written = true;
   int number = 0;
   for (auto _ : state) {
-    if (WriteConfigFileInt(kLastSection, kLastKey, ++number, Path()) != 1) {
-      state.SkipWithError("the key was not written");
-    }
+    written = rewrite(path.c_str(), std::to_string(++number).c_str()) && written;
   }
   syncs = false;
+  char value[64];
+  GetConfigFileString(kLastSection, kLastKey, "", value, sizeof value, path.c_str());
+  if (!written || value != std::to_string(number)) state.SkipWithError("the key was not written");
 }
 
-void Rewrite(benchmark::State& state) { RunRewrite(state, false); }
+// Reads the file and finds its lines.
+bool BareLookup(const char* path, std::string& value) {
+  std::string bytes(std::filesystem::file_size(path), '\0');
+  std::FILE* const file = std::fopen(path, "re");
+  const std::size_t size = std::fread(bytes.data(), 1, bytes.size(), file);
+  std::fclose(file);
+  const char* line = bytes.data();
+  for (const char* at = line; at != bytes.data() + size;) {
+    line = at;
+    at = static_cast<const char*>(std::memchr(at, '\n', size - static_cast<std::size_t>(at - bytes.data()))) +
+         1;
+  }
+  value.assign(std::strchr(line, '=') + 1, std::as_const(bytes).data() + size - 1);
+  return true;
+}
 
-void RewriteSynced(benchmark::State& state) { RunRewrite(state, true); }
+bool Lookup(const char* path, std::string& value) {
+  char text[64] = "";
+  GetConfigFileString(kLastSection, kLastKey, "", text, sizeof text, path);
+  value = text;
+  return true;
+}
 
-BENCHMARK(LookupBareRead);
-BENCHMARK(LookupInih);
-BENCHMARK(Lookup);
-BENCHMARK(RewriteGlib)->UseRealTime();
-BENCHMARK(Rewrite)->UseRealTime();
-BENCHMARK(RewriteSynced)->UseRealTime()->Unit(benchmark::kMicrosecond);
+bool Rewrite(const char* path, const char* number) {
+  return WriteConfigFileString(kLastSection, kLastKey, number, path) == 1;
+}
+
+const bool registered =
+    RegisterIniPeer("Vintra", Lookup, Rewrite) && RegisterIniPeer("bare loop", BareLookup, nullptr);
 
 }  // namespace
+
+bool RegisterIniPeer(const char* name, LookupCall lookup, RewriteCall rewrite) {
+  const auto add = [name](const std::string& scenario, auto run) {
+    benchmark::RegisterBenchmark((scenario + "/" + name).c_str(), run)->UseRealTime();
+  };
+  add("ini_lookup", [lookup](benchmark::State& state) { RunLookup(state, lookup); });
+  if (rewrite == nullptr) return true;
+  add("ini_rewrite", [rewrite](benchmark::State& state) {
+    RunRewrite(state, rewrite, BenchPath("vintra_bench.ini"), false);
+  });
+  add("ini_rewrite_disk",
+      [rewrite](benchmark::State& state) { RunRewrite(state, rewrite, DiskPath("vintra_bench.ini"), true); });
+  return true;
+}

@@ -107,11 +107,10 @@ void Scramble(benchmark::State& state) {
   });
 }
 
-// Real time: a copy is done by another process.
-BENCHMARK(ConvertBareLoop)->UseRealTime()->Unit(benchmark::kMillisecond)->Repetitions(15);
-BENCHMARK(ConvertCp)->UseRealTime()->Unit(benchmark::kMillisecond)->Repetitions(15);
-BENCHMARK(Convert)->UseRealTime()->Unit(benchmark::kMillisecond)->Repetitions(15);
-BENCHMARK(ScrambleBareLoop);
-BENCHMARK(Scramble);
+BENCHMARK(ConvertBareLoop)->Name("convert/bare loop")->UseRealTime();
+BENCHMARK(ConvertCp)->Name("convert/cp")->UseRealTime();
+BENCHMARK(Convert)->Name("convert/Vintra")->UseRealTime();
+BENCHMARK(ScrambleBareLoop)->Name("scramble/bare loop")->UseRealTime();
+BENCHMARK(Scramble)->Name("scramble/Vintra")->UseRealTime();
 
 }  // namespace

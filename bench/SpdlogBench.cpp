@@ -1,35 +1,51 @@
-// spdlog's logger with its file sink for many threads.
+// spdlog's logger with its file sinks for many threads.
 //
 // The line begins as spdlog's own does, which is faster than a pattern with our order, and ends in LF:
 // "[2026-11-16 13:24:14.007] [net] [info] ". The file's stream gets a buffer of 64 KiB, and so writes at that
-// size.
+// size. The daily sink's files have no limit.
 #include <spdlog/sinks/basic_file_sink.h>
+#include <spdlog/sinks/daily_file_sink.h>
+#include <spdlog/sinks/rotating_file_sink.h>
 #include <spdlog/spdlog.h>
-
-#include <memory>
-#include <vector>
 
 #include "bench/PeerBench.h"
 
 namespace {
 
-void RecordSpdlog(benchmark::State& state) {
-  const PeerFile file;
-  std::vector<char> buffer(kPeerFlushSize);
+char stream_buffer[kFlushSize];
+
+spdlog::sink_ptr MakeSink(Kind kind, const std::string& path) {
+  namespace sinks = spdlog::sinks;
   spdlog::file_event_handlers handlers;
-  handlers.after_open = [&](const spdlog::filename_t&, std::FILE* stream) {
-    std::setvbuf(stream, buffer.data(), _IOFBF, buffer.size());
+  handlers.after_open = [](const spdlog::filename_t&, std::FILE* stream) {
+    std::setvbuf(stream, stream_buffer, _IOFBF, sizeof stream_buffer);
   };
-  spdlog::logger logger("net",
-                        std::make_shared<spdlog::sinks::basic_file_sink_mt>(file.path, false, handlers));
-  RunPeer(
-      state, file,
-      [&](int number, const char* host, double milliseconds) {
-        logger.info("request {} from {} took {:.3f} ms", number, host, milliseconds);
-      },
-      [&] { logger.flush(); });
+  if (kind == Kind::kRollover) {
+    return std::make_shared<sinks::rotating_file_sink_mt>(path, kFileLimit / kRingFiles, kRingFiles - 1,
+                                                          false, handlers);
+  }
+  if (kind == Kind::kDate) return std::make_shared<sinks::daily_file_sink_mt>(path, 0, 0, false, 0, handlers);
+  return std::make_shared<sinks::basic_file_sink_mt>(path, false, handlers);
 }
 
-BENCHMARK(RecordSpdlog);
+class SpdlogPeer {
+ public:
+  static constexpr const char* kName = "spdlog";
+  static constexpr bool kLimitsFiles = false;
+  static bool Does(Kind kind, int) { return kind != Kind::kScrambled; }
+
+  SpdlogPeer(Kind kind, const std::string& path) : logger_("net", MakeSink(kind, path)) {
+    if (kind == Kind::kFiltered) logger_.set_level(spdlog::level::warn);
+    if (kind == Kind::kFlushed) logger_.flush_on(spdlog::level::info);
+  }
+
+  void Long(int number) { logger_.info("request {} from {} took {:.3f} ms", number, kHost, number * 0.001); }
+  void Short(int number) { logger_.info("request {}", number); }
+
+ private:
+  spdlog::logger logger_;
+};
+
+const bool registered = RegisterPeer<SpdlogPeer>();
 
 }  // namespace
