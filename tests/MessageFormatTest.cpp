@@ -1,0 +1,98 @@
+// Messages of common conversions against vsnprintf, and all messages in records.
+#include <cfenv>
+#include <clocale>
+
+#include "FormatCase.h"
+#include "TestSupport.h"
+#include "VintraModule/MessageFormat.h"
+
+namespace {
+
+using namespace std::string_view_literals;
+
+using MessageFormatTest = LogTest;
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__) || !defined(__OPTIMIZE__)
+constexpr int kCases = 200000;
+#else
+constexpr int kCases = 1000000;
+#endif
+
+// Common conversions in any combination with flags and numbers. Some are spoilt, or end early.
+std::string ChooseFormat(Choices& choices) {
+  static constexpr auto kOthers = " #'*1$lLqhI.gGeEaAFCSmnyp%\0"sv;
+  static constexpr std::string_view kLiterals[] = {"x",        " disk ", "%%",
+                                                   "\xC3\xA9", "\n",     "1 + 2 = 3, and so it goes on. "};
+  static constexpr std::string_view kSizes[] = {"", "", "hh", "h", "l", "ll", "z", "j", "t"};
+  static constexpr std::string_view kHuge[] = {"300", "20001", "2147483649", "4294967297",
+                                               "18446744073709551617"};
+  std::string format;
+  for (std::size_t left = choices.Below(5);; --left) {
+    for (std::size_t count = choices.Below(3); count > 0; --count) format += choices.Of(kLiterals);
+    if (left == 0) return format;
+    format += '%';
+    if (choices.Below(40) == 0) format += choices.Of(kOthers);
+    for (std::size_t count = choices.Below(4); count > 1; --count) format += choices.Of("-0+"sv);
+    if (choices.Below(2) == 0) format += std::to_string(1 + choices.Below(24));
+    if (choices.Below(99) == 0) format += choices.Of(kHuge);
+    if (choices.Below(2) == 0)
+      format += choices.Below(8) == 0 ? "." : "." + std::to_string(choices.Below(21));
+    if (choices.Below(40) == 0) format += choices.Of(kOthers);
+    const bool is_integer = choices.Below(2) == 0;
+    if (is_integer) format += choices.Of(kSizes);
+    format += choices.Of(is_integer ? "diuxXo"sv : "ffffssscp"sv);
+  }
+}
+
+// The first problem with the cases of a seed.
+std::string FirstProblem(std::uint64_t seed, int cases, bool is_usual = true) {
+  Choices choices(seed);
+  std::string problem;
+  for (int at = 0; at < cases && problem.empty(); ++at)
+    problem = FormatCase::Problem(ChooseFormat(choices).c_str(), choices, is_usual);
+  return problem;
+}
+
+TEST_F(MessageFormatTest, SameAsOfTheSystem) { EXPECT_EQ(FirstProblem(1, kCases), ""); }
+
+TEST_F(MessageFormatTest, RoundingAndDecimalPointAreTheHosts) {
+  for (const int rounding : {FE_UPWARD, FE_DOWNWARD, FE_TOWARDZERO}) {
+    fesetround(rounding);
+    const std::string problem = FirstProblem(2, kCases / 50, false);
+    fesetround(FE_TONEAREST);
+    EXPECT_EQ(problem, "") << rounding;
+  }
+  WriteFile("comma.src",
+            "LC_NUMERIC\ndecimal_point \",\"\nthousands_sep \"\"\ngrouping -1\nEND LC_NUMERIC\n");
+  EXPECT_NE(std::system("localedef -c -i comma.src ./comma >/dev/null 2>&1"), 0) << "it warns";
+  setenv("LOCPATH", folder_.c_str(), 1);
+  const bool has_comma = setlocale(LC_NUMERIC, "comma") != nullptr;
+  unsetenv("LOCPATH");
+  if (!has_comma) GTEST_SKIP() << "no locale with a decimal comma can be made";
+  char half[8];
+  std::snprintf(half, sizeof half, "%.1f", 0.5);
+  const std::string problem = FirstProblem(3, kCases / 50, false);
+  setlocale(LC_NUMERIC, "C");
+  EXPECT_EQ(Bars(half, problem), "0,5|");
+}
+
+// An allocation and one more for what is beyond the first: 1023 characters.
+TEST_F(MessageFormatTest, Records) {
+  Open({"%C"});
+  const char nul = '\0', *volatile no_text = nullptr;  // volatile: gcc sees nulls
+  EXPECT_EQ(LOG_INFO(handle_, "%05d %-4x|%+.2f %.3s%c%%", -42, 0xABCU, 2.675, "disk full", '!'), 0);
+  EXPECT_EQ(LOG_INFO(handle_, "%s %p", no_text, static_cast<const void*>(nullptr)), 0);
+  EXPECT_EQ(LOG_INFO(handle_, "%d %g %#o %*d %La %ls", 7, 0.1, 8U, 3, 9, 1.0L, L"w"), 0);
+  EXPECT_EQ(LOG_INFO(handle_, "%s%cnot shown", "a", nul), 0);
+  std::string expected = "  -0042 abc |+2.67 dis!%  (null) (nil)  7 0.1 010   9 0x8p-3 w  a";
+  for (const std::size_t length : {0U, 1022U, 1023U, 1024U, 5000U}) {
+    const std::string text(length, 't');
+    fake.allocations = 0;
+    EXPECT_EQ(LOG_INFO(handle_, "%s", text.c_str()), 0);
+    EXPECT_EQ(fake.allocations, length < 1024 ? 1 : 2);
+    expected += "  " + text;
+  }
+  EXPECT_EQ(Log(), expected);
+}
+
+}  // namespace
