@@ -66,6 +66,15 @@ struct Folder : NotCopied {
                                [](const auto& file) { return truncate(file.path().c_str(), 0) == 0; });
   }
 
+  // Whether the files are those of a ring; each may end one buffer above its limit.
+  bool IsRing() const {
+    const std::filesystem::directory_iterator files(path);
+    return std::distance(begin(files), end(files)) <= kRingFiles &&
+           std::ranges::all_of(std::filesystem::directory_iterator(path), [](const auto& file) {
+             return file.file_size() <= kFileLimit / kRingFiles + kFlushSize;
+           });
+  }
+
   std::string Contents() const {
     std::string all;
     for (const auto& file : std::filesystem::directory_iterator(path)) {
@@ -111,8 +120,8 @@ const char* CloseAndCheck(Log<Peer>& log, Kind kind) {
     return text.find("request") == text.npos ? nullptr : "a record passed the filter";
   if (text.find("request 123456789 from 10.0.0.17 took 123456.789 ms") == text.npos)
     return "a record is lost";
-  if (kind == Kind::kRollover && text.size() > kFileLimit + kFileLimit / 8) return "the files have no limit";
-  return nullptr;
+  const bool numbered = kind == Kind::kRollover || (kind == Kind::kDate && Peer::kLimitsFiles);
+  return numbered && !log.folder.IsRing() ? "the files are not a ring" : nullptr;
 }
 
 // A record, from one thread or from several through one logger: what the calls take in real time, divided by

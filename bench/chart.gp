@@ -11,7 +11,8 @@ set ytics nomirror
 set xtics nomirror scale 0
 set grid ytics lc rgb "#dddddd"
 set border 3 lc rgb "#666666"
-set key bmargin center horizontal samplen 1.5
+set key tmargin center horizontal samplen 1.5
+set bmargin 3.5  # for names of two lines
 set datafile separator tab
 set datafile missing "-"
 set linetype 1 lc rgb "#c0392b"

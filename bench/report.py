@@ -214,7 +214,11 @@ def machine():
         (part.strip() for part in line.split(":", 1)) for line in output("lscpu").splitlines() if ":" in line
     )
     virtual = ", a virtual machine" if "Hypervisor vendor" in cpu else ""
-    file_system = lambda variable: output("findmnt", "-no", "FSTYPE", "-T", os.environ.get(variable, "/tmp"))
+
+    def file_system(variable):
+        mounts = output("findmnt", "-no", "FSTYPE", "-T", os.environ.get(variable, "/tmp"))
+        return mounts.splitlines()[-1]  # of several mounts on one place the last is seen
+
     system = platform.freedesktop_os_release()["PRETTY_NAME"]
     kernel = platform.release().split("-")[0]
     return {
