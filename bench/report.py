@@ -147,7 +147,7 @@ def markdown(rows):
 
 def ratio(ours, other):
     value = ours / other
-    return f"{value:.2f}" if value >= 0.1 else f"{value:.1g}"
+    return f"{value:.2f}" if value >= 0.095 else f"{value:.1g}"
 
 
 def comparison(figures, program, names, columns):
