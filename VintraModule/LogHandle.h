@@ -39,7 +39,7 @@ namespace vintra {
 struct FileMode;
 
 constexpr std::size_t kTagSize = 32;     // of a tag, of which the longest has ten characters
-constexpr std::size_t kLabelSize = 120;  // of the tag, the module's name and two blanks, with room for a block
+constexpr std::size_t kLabelSize = 120;  // of tag, module name and two blanks, with a block behind
 
 // What every record of a level has behind its stamp: the tag and the module's name with its two blanks.
 struct LineLabel {

@@ -13,9 +13,10 @@ constexpr int kNotCommon = -1;
 
 // Formats as vsnprintf does, byte for byte and with the same result, at a third of its cost. It knows
 //
-//   %%  %c  %s  %p  %f                           plain ones of %p only
-//   %d  %i  %u  %x  %X  %o                       with hh, h, l, ll, z, j, t
-//   the flags -, 0 and +, width and precision    as numbers
+//   %%  %p                                       without anything between
+//   %c  %s                                       with -, a width, and for %s a precision
+//   %f  %lf  %d  %i  %u  %x  %X  %o              with -, 0, +, a width and a precision
+//   hh  h  l  ll  z  j  t                        as the sizes of integers
 //
 // and returns kNotCommon, with anything in text, where a format holds something else, or where an argument or
 // the thread's settings ask for more: a null pointer, a NUL for %c, a decimal point that is not ".", another

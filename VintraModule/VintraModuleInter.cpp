@@ -33,9 +33,8 @@ using vintra::HeapText;
 
 constexpr std::size_t kMessageSize = 1024;  // of the first attempt, which nearly always fits
 
-// The longest header: the stamp, the label, two brackets and a blank for each of the source file and the ten
-// digits of its line.
-constexpr std::size_t kHeaderSize = vintra::kStampSize + vintra::kLabelSize + vintra::kTextSize + 10 + 2 * 3;
+// The longest header: stamp, label, source file, the ten digits of its line, and "[] " around both.
+constexpr std::size_t kHeaderSize = vintra::kStampSize + vintra::kLabelSize + vintra::kTextSize + 10 + 6;
 
 // What puts a header together takes its end, and returns the new one.
 
