@@ -4,6 +4,7 @@
 // line that spdlog writes by itself, which it has a faster way for: "[2026-11-16 13:24:14.007] [net] [info] "
 // and LF. The file's stream gets a buffer of 64 KiB, and so writes at that size. The daily sink's files have
 // no limit.
+#include <spdlog/pattern_formatter.h>
 #include <spdlog/sinks/basic_file_sink.h>
 #include <spdlog/sinks/daily_file_sink.h>
 #include <spdlog/sinks/rotating_file_sink.h>
