@@ -32,10 +32,6 @@ enum ResultCode : sint32 {
   kNoSystemInfo = 13,  // the host name or the system identification could not be read
 };
 
-}  // namespace vintra
-
-namespace vintra {
-
 struct FileMode;
 
 constexpr std::size_t kTagSize = 32;     // of a tag, of which the longest has ten characters

@@ -203,13 +203,27 @@ sint8* WriteBits(sint8* at, std::uint64_t number, unsigned bits_per_digit, const
   return at;
 }
 
+constexpr const sint8* kLowerDigits = "0123456789abcdef";
+constexpr const sint8* kUpperDigits = "0123456789ABCDEF";
+
+sint8* WriteDigits(sint8* at, sint8 letter, std::uint64_t number) {
+  switch (letter) {
+    case 'o':
+      return WriteBits(at, number, 3, kLowerDigits);
+    case 'x':
+      return WriteBits(at, number, 4, kLowerDigits);
+    case 'X':
+      return WriteBits(at, number, 4, kUpperDigits);
+    default:
+      return WriteDecimal(at, number);
+  }
+}
+
 sint8* WriteSign(sint8* at, const Directive& directive, bool negative) {
   if (negative || directive.plus) *--at = negative ? '-' : '+';
   return at;
 }
 
-constexpr const sint8* kLowerDigits = "0123456789abcdef";
-constexpr const sint8* kUpperDigits = "0123456789ABCDEF";
 constexpr std::size_t kIntegerSize = 24;  // 22 octal digits and a sign
 
 // The next argument as an integer of the directive's size, widened with its sign or with zeros.
@@ -230,7 +244,7 @@ std::uint64_t NextInteger(Arguments& args, ArgumentSize size, bool is_signed) {
       return widen(va_arg(args.list, unsigned long));
     case ArgumentSize::kLongLong:
       return widen(va_arg(args.list, unsigned long long));
-    case ArgumentSize::kSize:
+    case ArgumentSize::kSize:  // NOLINT(bugprone-branch-clone): the same type as the next on some machines
       return widen(va_arg(args.list, std::size_t));
     case ArgumentSize::kMax:
       return widen(va_arg(args.list, std::uintmax_t));
@@ -247,14 +261,7 @@ void AppendInteger(BoundedText& text, Directive directive, sint8 letter, Argumen
 
   sint8 buffer[kIntegerSize];
   sint8* const end = std::end(buffer);
-  sint8* at = end;
-  if (letter == 'o') {
-    at = WriteBits(end, number, 3, kLowerDigits);
-  } else if (letter == 'x' || letter == 'X') {
-    at = WriteBits(end, number, 4, letter == 'x' ? kLowerDigits : kUpperDigits);
-  } else {
-    at = WriteDecimal(end, negative ? 0 - number : number);
-  }
+  sint8* at = WriteDigits(end, letter, negative ? 0 - number : number);
 
   std::size_t zeros = 0;
   if (directive.precision >= 0) {
