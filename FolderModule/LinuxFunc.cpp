@@ -40,7 +40,7 @@ Level EnsureLevel(char* parent_dir, int front_size) {
   return level;
 }
 
-bool ChainExists(const char* path) { return std::strchr(path, '\\') == nullptr && access(path, F_OK) == 0; }
+bool ChainExists(const char* path) { return std::strpbrk(path, "\\:") == nullptr && access(path, F_OK) == 0; }
 
 Level EnsureRootLevel(char* parent_dir, int back_size, int front_size) {
   const bool names_drive = back_size > 0 && static_cast<std::size_t>(back_size) <= std::strlen(parent_dir) &&

@@ -26,7 +26,7 @@ Level EnsureRootLevel(char* parent_dir, int back_size, int front_size);
 Level EnsureLevel(char* parent_dir, int front_size);
 
 // True when the chain that path names is all there, which one look tells where nearly every chain is. False
-// is no answer: a '\' separates levels for us, but not for the system.
+// is no answer: a '\' separates levels and a ':' ends a drive for us, but not for the system.
 bool ChainExists(const char* path);
 
 // Copies the root part of path, its first component with one leading separator at most, into root (261 bytes)

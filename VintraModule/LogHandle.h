@@ -98,7 +98,8 @@ struct LogHandleRec {
   uint32 log_encrypt;
 
   // Behind the published fields. Start-up only.
-  vintra::LineLabel labels[Log_Level_Disable];  // of level 1, 2 and so on
+  vintra::LineLabel labels[Log_Level_Disable];  // of level 1, 2 and so on, the last one for a word that is no
+                                                // level; those below log_level stay empty
   const vintra::FileMode* file_mode;            // null: the handle opens no file
 
   // Under Critical_Section.

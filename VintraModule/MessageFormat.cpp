@@ -17,7 +17,7 @@
 #include <string_view>
 #include <type_traits>
 
-#include "Common/Text.h"
+#include "Common/Copy.h"
 
 namespace vintra {
 
@@ -317,9 +317,9 @@ bool MultiplyExactly(double value, std::uint64_t power, std::uint64_t& product) 
   constexpr int kFractionBits = std::numeric_limits<double>::digits - 1;
   constexpr std::uint64_t kLeadingBit = std::uint64_t{1} << kFractionBits;
   const auto bits = std::bit_cast<std::uint64_t>(value);
-  const auto exponent = static_cast<int>(bits >> kFractionBits);
-  const std::uint64_t significand = (bits & (kLeadingBit - 1)) | (exponent == 0 ? 0 : kLeadingBit);
-  const int shift = 1023 + kFractionBits - std::max(exponent, 1);
+  // Zero and the subnormal values have no leading bit. With it they round to 0 all the same.
+  const std::uint64_t significand = (bits & (kLeadingBit - 1)) | kLeadingBit;
+  const int shift = 1023 + kFractionBits - static_cast<int>(bits >> kFractionBits);
   if (shift <= 0) return false;
   const int dropped = std::min(shift, 127);  // beyond it everything is
   const Wide exact = Wide{significand} * power;

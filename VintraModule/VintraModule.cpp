@@ -117,16 +117,16 @@ sint32 GetEncryptData(const sint8* sourceData, uint32 sourcelength, sint8* destD
 
 // A record that is refused or dropped costs the few instructions here. There is no buffer that the stack
 // would have to be protected from.
-#define VINTRA_LEVEL_ENTRY(name, level)                                                     \
-  [[gnu::no_stack_protector]] sint32 name(LOGHANDLE log_handle, const sint8* format, ...) { \
-    LogHandleRec* const handle = vintra::LiveHandle(log_handle);                            \
-    if (handle == nullptr || format == nullptr) return vintra::kInvalidArgument;            \
-    if (handle->log_level > (level)) return vintra::kSuccess;                               \
-    va_list args;                                                                           \
-    va_start(args, format);                                                                 \
-    const sint32 code = vintra::FormatAndLog(*handle, level, format, args);                 \
-    va_end(args);                                                                           \
-    return code;                                                                            \
+#define VINTRA_LEVEL_ENTRY(name, level)                                                             \
+  __attribute__((no_stack_protector)) sint32 name(LOGHANDLE log_handle, const sint8* format, ...) { \
+    LogHandleRec* const handle = vintra::LiveHandle(log_handle);                                    \
+    if (handle == nullptr || format == nullptr) return vintra::kInvalidArgument;                    \
+    if (handle->log_level > (level)) return vintra::kSuccess;                                       \
+    va_list args;                                                                                   \
+    va_start(args, format);                                                                         \
+    const sint32 code = vintra::FormatAndLog(*handle, level, format, args);                         \
+    va_end(args);                                                                                   \
+    return code;                                                                                    \
   }
 
 VINTRA_LEVEL_ENTRY(LOG_TRACE, Log_Level_Trace)

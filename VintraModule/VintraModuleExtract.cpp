@@ -1,7 +1,6 @@
 #include "VintraModule/VintraModuleExtract.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -155,10 +154,10 @@ void PrepareLines(LogHandleRec& handle) {
     const bool has_tag = handle.log_level_info && level != Log_Level_Disable;
     const std::string_view tag = has_tag ? vintra::kLevels[level - 1].tag : "";
     sint8* const text = handle.labels[level - 1].text;
-    vintra::CopyShort(text, tag.data(), tag.size());
-    vintra::CopyShort(text + tag.size(), module_name.data(), module_name.size());
-    std::memcpy(text + tag.size() + module_name.size(), "  ", 2);
-    handle.labels[level - 1].length = tag.size() + module_name.size() + 2;
+    sint8* end = text + tag.copy(text, tag.size());
+    end += module_name.copy(end, module_name.size());
+    end = std::fill_n(end, 2, ' ');
+    handle.labels[level - 1].length = static_cast<std::size_t>(end - text);
   }
 }
 

@@ -9,12 +9,13 @@
 #include <cerrno>
 #include <charconv>
 #include <climits>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <span>
 #include <string_view>
-#include <utility>
 
+#include "Common/Copy.h"
 #include "Common/Handles.h"
 #include "Common/Text.h"
 #include "FolderModule/PathParts.h"
@@ -33,13 +34,15 @@ using vintra::HeapText;
 
 constexpr std::size_t kMessageSize = 1024;  // of the first attempt, which nearly always fits
 
-// The longest header: stamp, label, source file, the ten digits of its line, and "[] " around both.
+// The longest header: stamp and label, each with room for a block, source file, the ten digits of its line,
+// and
+// "[] " around both.
 constexpr std::size_t kHeaderSize = vintra::kStampSize + vintra::kLabelSize + vintra::kTextSize + 10 + 6;
 
 // What puts a header together takes its end, and returns the new one.
 
-// Copies whole blocks, whose rest the next piece overwrites: for the stamp and the label, which have room
-// behind them, that costs half of an exact copy.
+// Copies whole blocks, of which the rest is overwritten or left out later: for the stamp and the label, which
+// have room behind them, that costs half of an exact copy.
 sint8* AppendBlocks(sint8* end, std::string_view piece) {
   for (std::size_t at = 0; at < piece.size(); at += vintra::kCopyBlock) {
     std::memcpy(end + at, piece.data() + at, vintra::kCopyBlock);
@@ -174,7 +177,7 @@ class StreamLock {
 // Does what fwrite_unlocked does for one item, without a call where the stream's buffer has room. These are
 // the two pointers that the C library's own putc_unlocked works on where it is expanded in its caller.
 inline std::size_t PutItem(std::span<const sint8> item, FILE* stream) {
-#ifdef __GLIBC__
+#if defined(__GLIBC__) && !defined(__UCLIBC__)  // which also calls itself the former
   if (std::ssize(item) <= stream->_IO_write_end - stream->_IO_write_ptr) {
     vintra::CopyShort(stream->_IO_write_ptr, item.data(), item.size());
     stream->_IO_write_ptr += item.size();

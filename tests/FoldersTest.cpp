@@ -105,6 +105,10 @@ TEST_F(FoldersTest, MakesWhatIsMissingAndTakesBackWhatItMade) {
     fs::remove_all(row.top);
   }
   EXPECT_EQ(CreateMulDir(nullptr), 0);
+  // Names that the system has for one folder, but that are a chain here.
+  for (const char* const name_of_one : {"a\\b", "x:y"}) fs::create_directory(name_of_one);
+  EXPECT_EQ(CreateMulDir("a\\b") + 2 * CreateMulDir("x:y"), 1);
+  EXPECT_EQ(Entries(), "a a/b a\\b dangling file old x:y ");
 }
 
 TEST_F(FoldersTest, ALevelThatAnotherProcessMakesIsThereAndStays) {

@@ -36,8 +36,10 @@ TEST_F(LogLineTest, SourcePositionStaysUntilTheNextOneAndIsBounded) {
   SourceInfo(handle_, "", 9);
   LOG_INFO(handle_, "|");
   LOG_INFO(VINTRA_HERE(handle_), "|");
-  const std::string date = "2026-11-16   [", line = std::to_string(__LINE__ - 1);
-  EXPECT_EQ(Log(), date + std::string(63, 'n') + "] [7] |" + date + "LogLineTest.cpp] [" + line + "] |");
+  LOG_INFO(SourceInfo(handle_, "z", 2147483647), "|");
+  const std::string date = "2026-11-16   [", line = std::to_string(__LINE__ - 2);
+  EXPECT_EQ(Log(), date + std::string(63, 'n') + "] [7] |" + date + "LogLineTest.cpp] [" + line + "] |" +
+                       date + "z] [2147483647] |");
   EXPECT_EQ(SourceInfo(null_log_handle, "a.c", 1), null_log_handle);
 }
 

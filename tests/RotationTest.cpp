@@ -186,6 +186,13 @@ TEST_F(RotationTest, FlushesWhenTheThresholdIsReached) {
     for (int call = 0; call < 2; ++call) EXPECT_EQ(LOG_MSG_FLUSH(handle_), 0);
     EXPECT_EQ(SizeOnDisk(), Record().file_size);
   }
+  const auto buffer = static_cast<uint32>(__fbufsize(Record().file_out));
+  for (const uint32 size :
+       {buffer - 301, buffer - 300, buffer - 299}) {  // about what the buffer has room for
+    for (const uint32 piece : {100U, 100U, size + 100}) EXPECT_EQ(Write(piece), 0);
+    EXPECT_EQ(LOG_MSG_FLUSH(handle_), 0);
+    EXPECT_EQ(SizeOnDisk(), Record().file_size);
+  }
   Record().max_file_size = UINT32_MAX;
   Record().file_size = UINT32_MAX - 15;
   for (const uint32 size : {UINT32_MAX - 5, UINT32_MAX}) {
