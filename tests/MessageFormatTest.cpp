@@ -15,7 +15,7 @@ using MessageFormatTest = LogTest;
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__) || !defined(__OPTIMIZE__)
 constexpr int kCases = 200000;
 #else
-constexpr int kCases = 1000000;
+constexpr int kCases = 3000000;
 #endif
 
 // Common conversions in any combination with flags and numbers. Some are spoilt, or end early.
