@@ -19,9 +19,16 @@ namespace {
 constexpr sint8 kMask = 0x3C;
 constexpr std::size_t kBlockSize = std::size_t{128} * 1024;
 
-// Two places without a byte in common, which the compiler may therefore work on in wide steps.
+// Two places without a byte in common, which the compiler may therefore work on in wide steps. Those of a
+// cache line at a time cost the same wherever the loop happens to lie in memory.
 void ScrambleApart(sint8* __restrict dest, const sint8* __restrict source, std::size_t length) {
-  for (std::size_t at = 0; at < length; ++at) dest[at] = static_cast<sint8>(source[at] ^ kMask);
+  constexpr std::size_t kStep = 64;
+  std::size_t at = 0;
+  for (; length - at >= kStep; at += kStep) {
+    for (std::size_t byte = at; byte < at + kStep; ++byte)
+      dest[byte] = static_cast<sint8>(source[byte] ^ kMask);
+  }
+  for (; at < length; ++at) dest[at] = static_cast<sint8>(source[at] ^ kMask);
 }
 
 // Opens new_path for writing from empty, unless it is the file that other tells of. That shows only after the
