@@ -16,6 +16,7 @@
 #include <span>
 #include <string_view>
 #include <type_traits>
+#include <utility>
 
 #include "Common/Copy.h"
 
@@ -42,6 +43,12 @@ class BoundedText {
     count = Claim(count);
     std::memset(at_, character, count);
     at_ += count;
+  }
+
+  // Appends count bytes for the caller to write. Returns null where there is no room for all of them.
+  sint8* Extend(std::size_t count) {
+    if (count > static_cast<std::size_t>(end_ - at_)) return nullptr;
+    return std::exchange(at_, at_ + count);
   }
 
   // Ends the text and returns the length of all that was appended.
@@ -174,6 +181,18 @@ void AppendField(BoundedText& text, const Directive& directive, std::string_view
   AppendPadded(text, directive, piece, zeros);
 }
 
+constexpr auto kPowersOfTen = [] {
+  std::array<std::uint64_t, 20> powers{1};
+  for (std::size_t at = 1; at < powers.size(); ++at) powers[at] = powers[at - 1] * 10;
+  return powers;
+}();
+
+std::size_t CountDecimals(std::uint64_t number) {
+  number |= 1;  // 0 has a digit too, and a power of ten is reached from an odd number
+  const auto least = static_cast<std::size_t>(std::bit_width(number) * 1233 / 4096);  // by the logarithm of 2
+  return least + (number >= kPowersOfTen[least] ? 1 : 0);
+}
+
 // The writers of digits end before `at` and return where the first digit is.
 
 sint8* WriteDecimal(sint8* at, std::uint64_t number) {
@@ -258,10 +277,20 @@ void AppendInteger(BoundedText& text, Directive directive, sint8 letter, Argumen
   const bool is_signed = letter == 'd' || letter == 'i';
   const std::uint64_t number = NextInteger(args, directive.size, is_signed);
   const bool negative = is_signed && number > INT64_MAX;
+  const std::uint64_t magnitude = negative ? 0 - number : number;
+  if (directive.width == 0 && directive.precision < 0 && !directive.plus && (is_signed || letter == 'u')) {
+    // In its place, as a processor waits where what has just been written in pieces is copied.
+    const std::size_t size = CountDecimals(magnitude) + (negative ? 1 : 0);
+    if (sint8* const place = text.Extend(size); place != nullptr) {
+      *place = '-';
+      WriteDecimal(place + size, magnitude);
+      return;
+    }
+  }
 
   sint8 buffer[kIntegerSize];
   sint8* const end = std::end(buffer);
-  sint8* at = WriteDigits(end, letter, negative ? 0 - number : number);
+  sint8* at = WriteDigits(end, letter, magnitude);
 
   std::size_t zeros = 0;
   if (directive.precision >= 0) {
@@ -299,12 +328,6 @@ bool AppendPointer(BoundedText& text, Arguments& args) {
   text.Append({WriteBits(end, reinterpret_cast<std::uintptr_t>(value), 4, kLowerDigits), end});
   return value != nullptr;
 }
-
-constexpr auto kPowersOfTen = [] {
-  std::array<std::uint64_t, 20> powers{1};
-  for (std::size_t at = 1; at < powers.size(); ++at) powers[at] = powers[at - 1] * 10;
-  return powers;
-}();
 
 // Multiplies value by power, a power of ten, and rounds to the nearest integer, ties to even. Returns false
 // where that takes more than this exact product.

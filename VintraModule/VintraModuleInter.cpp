@@ -174,17 +174,29 @@ class StreamLock {
   FILE* const stream_;
 };
 
-// Does what fwrite_unlocked does for one item, without a call where the stream's buffer has room. These are
-// the two pointers that the C library's own putc_unlocked works on where it is expanded in its caller.
-inline std::size_t PutItem(std::span<const sint8> item, FILE* stream) {
+// A stream's own buffer, where it can be reached: by the two pointers that the C library's own putc_unlocked
+// works on where it is expanded in its caller. FindRoom gives the place of the next size bytes, or null where
+// there is no room for them, and TakeRoom makes that many bytes there a part of the stream.
 #if defined(__GLIBC__) && !defined(__UCLIBC__)  // which also calls itself the former
-  if (std::ssize(item) <= stream->_IO_write_end - stream->_IO_write_ptr) {
-    vintra::CopyShort(stream->_IO_write_ptr, item.data(), item.size());
-    stream->_IO_write_ptr += item.size();
-    return 1;
-  }
+inline sint8* FindRoom(FILE* stream, std::size_t size) {
+  // Below 0 where the stream has no buffer or ends it with each line.
+  const std::ptrdiff_t room = stream->_IO_write_end - stream->_IO_write_ptr;
+  return static_cast<std::ptrdiff_t>(size) <= room ? stream->_IO_write_ptr : nullptr;
+}
+inline void TakeRoom(FILE* stream, std::size_t size) { stream->_IO_write_ptr += size; }
+#else
+inline sint8* FindRoom(FILE*, std::size_t) { return nullptr; }
+inline void TakeRoom(FILE*, std::size_t) {}
 #endif
-  return fwrite_unlocked(item.data(), item.size(), 1, stream);
+
+// Does what fwrite_unlocked does for one item, without a call where the stream's buffer has room. The item
+// may be in that room already.
+inline std::size_t PutItem(std::span<const sint8> item, FILE* stream) {
+  sint8* const room = FindRoom(stream, item.size());
+  if (room == nullptr) return fwrite_unlocked(item.data(), item.size(), 1, stream);
+  if (item.data() != room) vintra::CopyShort(room, item.data(), item.size());
+  TakeRoom(stream, item.size());
+  return 1;
 }
 
 // Writes one piece of a record as one item and counts it. Returns the number of items written. The stream is
@@ -204,11 +216,15 @@ inline std::size_t WritePiece(LogHandleRec& handle, FILE* file_out, std::span<si
 // is the handle's. The lock is held.
 sint32 logMsgWriteFile(LogHandleRec* log_handle, FILE* file_out, LogLevel log_level, std::span<sint8> str) {
   if (!log_handle->stamp.is_valid) return vintra::kClockUnreadable;
-  sint8 header[kHeaderSize];
+  const StreamLock lock(file_out);
+  // The header comes to be in its place where it can: to copy what has just been put together in pieces makes
+  // a processor wait.
+  sint8 own_room[kHeaderSize];
+  sint8* const room = FindRoom(file_out, sizeof own_room);
+  sint8* const header = room != nullptr ? room : own_room;
   const sint8* const end = AppendHeader(header, *log_handle, log_level);
   if (end == nullptr) return vintra::kHeaderFailed;
 
-  const StreamLock lock(file_out);
   if (const std::size_t items = WritePiece(*log_handle, file_out, {header, end}); items != 1) {
     REPORT_ERROR("logMsgWriteFile fwrite failed(errorcode:%d).", static_cast<int>(items));
     return vintra::kWriteFailed;
