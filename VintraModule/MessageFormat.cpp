@@ -282,7 +282,7 @@ void AppendInteger(BoundedText& text, Directive directive, sint8 letter, Argumen
     // In its place, as a processor waits where what has just been written in pieces is copied.
     const std::size_t size = CountDecimals(magnitude) + (negative ? 1 : 0);
     if (sint8* const place = text.Extend(size); place != nullptr) {
-      *place = '-';
+      *place = '-';  // or a digit in a moment
       WriteDecimal(place + size, magnitude);
       return;
     }

@@ -34,9 +34,8 @@ using vintra::HeapText;
 
 constexpr std::size_t kMessageSize = 1024;  // of the first attempt, which nearly always fits
 
-// The longest header: stamp and label, each with room for a block, source file, the ten digits of its line,
-// and
-// "[] " around both.
+// The longest header: stamp and label, each with room for a block, source file, the ten digits of its
+// line, and "[] " around both.
 constexpr std::size_t kHeaderSize = vintra::kStampSize + vintra::kLabelSize + vintra::kTextSize + 10 + 6;
 
 // What puts a header together takes its end, and returns the new one.
