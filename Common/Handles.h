@@ -35,6 +35,17 @@ struct CloseFolder {
 
 using DirPtr = std::unique_ptr<DIR, CloseFolder>;
 
+// Writes some of the bytes, of which there is one at least, whatever signals come: all of them unless the
+// disk is full. Returns their number, or -1 with errno when not even one could be written.
+inline ssize_t WriteSome(int descriptor, std::string_view bytes) {
+  ssize_t count = 0;
+  do count = write(descriptor, bytes.data(), bytes.size());
+  while (count < 0 && errno == EINTR);
+  if (count != 0) return count;
+  errno = EIO;  // the system gives no reason
+  return -1;
+}
+
 class FileDescriptor {
  public:
   explicit FileDescriptor(int descriptor) : descriptor_(descriptor) {}
@@ -57,15 +68,12 @@ class FileDescriptor {
     return count;
   }
 
-  // Returns how many of the bytes were written, in one call unless a signal or a full disk cuts it short.
-  // When fewer than all, errno says why.
+  // Returns how many of the bytes were written. When fewer than all, errno says why.
   std::size_t WriteAll(std::string_view bytes) const {
     std::size_t written = 0;
     while (written < bytes.size()) {
-      const ssize_t count = write(descriptor_, bytes.data() + written, bytes.size() - written);
-      if (count < 0 && errno == EINTR) continue;
-      if (count == 0) errno = EIO;  // the system gives no reason
-      if (count <= 0) break;
+      const ssize_t count = WriteSome(descriptor_, bytes.substr(written));
+      if (count < 0) break;
       written += static_cast<std::size_t>(count);
     }
     return written;

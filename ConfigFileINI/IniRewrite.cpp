@@ -149,13 +149,9 @@ void SyncFolderOf(const sint8* path) {
 }
 
 // True when the end of a file asks to be continued. The next line would then be taken for a part of it.
-bool GoesOn(const FileDescriptor& file, off_t size) {
-  sint8 tail[kLineSize];
-  const ssize_t length = pread(file.get(), tail, sizeof tail, std::max<off_t>(size - off_t{sizeof tail}, 0));
-  if (length <= 0) return false;
-  const std::string_view text(tail, static_cast<std::size_t>(length));
-  const std::size_t last = text.find_last_not_of(kBlanks);
-  return last != std::string_view::npos && text[last] == ConnectLineSign;
+bool GoesOn(std::string_view tail) {
+  const std::size_t last = tail.find_last_not_of(kBlanks);
+  return last != std::string_view::npos && tail[last] == ConnectLineSign;
 }
 
 sint32 Rewrite(const sint8* path, const Place& place, const KeyLine& line) {
@@ -184,12 +180,16 @@ sint32 AppendSection(const sint8* path, bool is_missing, std::string_view sectio
   const FileDescriptor file(open(path, O_RDWR | O_CREAT | O_APPEND | O_CLOEXEC, 0666));
   struct stat before {};
   if (!file || fstat(file.get(), &before) != 0) return kNoTarget;
+  sint8 tail[kLineSize];
+  const off_t tail_start = std::max<off_t>(before.st_size - off_t{sizeof tail}, 0);
+  const ssize_t tail_length = pread(file.get(), tail, sizeof tail, tail_start);
+  if (tail_length < 0) return kLineUnreadable;
 
   sint8 text[2 * kLineSize + 2];  // two LF at most, and two lines with theirs
   sint8* end = text;
   const auto put = [&end](std::string_view piece) { end = std::copy(piece.begin(), piece.end(), end); };
   *end++ = '\n';
-  if (GoesOn(file, before.st_size)) *end++ = '\n';
+  if (GoesOn({tail, static_cast<std::size_t>(tail_length)})) *end++ = '\n';
   *end++ = SectionSymbolLeft;
   put(section);
   *end++ = SectionSymbolRight;

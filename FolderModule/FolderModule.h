@@ -88,7 +88,8 @@ VINTRA_API int CreateChildDir(char* parent_dir, const char* subdir);
  * *realLen is a running total, to which the call adds the bytes that the paths take, NULs included, up to
  * INT_MAX; set it to 0 before each call. A caller who does not know the size calls with files null first, and
  * then with a buffer of *realLen bytes, with *realLen at 0 again; where the folder has grown meanwhile, that
- * gives -1 once more. A *count set to -1 before the call tells what -1 means: it stays -1 without memory.
+ * gives -1 once more. A *count set to -1 before the call tells what -1 means: it stays -1 where there is no
+ * list.
  *
  * A folder comes before what is in it; otherwise the order is the file system's. "." and ".." are left out,
  * and so are paths of more than 1023 characters with everything below them. A link is an entry like a file
@@ -101,7 +102,8 @@ VINTRA_API int CreateChildDir(char* parent_dir, const char* subdir);
  *    1  files holds the paths
  *    0  path, filename, realLen or count is null, and nothing was written
  *   -1  files is null, or *realLen or what the paths take exceeds length: *count and *realLen are set, and
- *       files is as it was; or there is no memory, and nothing at all was written
+ *       files is as it was; or there is no memory, or a folder could not be read to its end, as errno says,
+ *       and nothing at all was written
  */
 VINTRA_API int TraversalFolder(const char* path, char* files, int length, int* realLen, int* count);
 VINTRA_API int FindPathByFileName(const char* path, const char* filename, char* files, int length,

@@ -7,6 +7,7 @@
 #include <climits>
 #include <cstdint>
 #include <cstdlib>
+#include <utility>
 
 #include "Common/Handles.h"
 #include "FolderModule/LinuxFunc.h"
@@ -45,7 +46,7 @@ class FolderWalk {
   // Lists a folder whose path stands in the buffer, and what is below it.
   void Read(DIR* folder) {
     const std::size_t folder_length = length_;
-    while (const dirent* const entry = readdir(folder)) {
+    while (const dirent* const entry = Next(folder)) {
       const std::string_view name = entry->d_name;
       if (name == "." || name == "..") continue;
       // Block devices and sockets have the bit as well. They cannot be opened as a folder.
@@ -55,8 +56,17 @@ class FolderWalk {
       if ((lists_all_ || !is_folder) && !Found()) return;
       if (is_folder) ReadBelow(folder, entry->d_name);
       length_ = folder_length;
-      if (files_.out_of_memory()) return;
+      if (files_.is_incomplete()) return;
     }
+  }
+
+  // Null at the end of the folder, and where it cannot be read any further: its list is then incomplete.
+  const dirent* Next(DIR* folder) {
+    const int host_errno = std::exchange(errno, 0);
+    const dirent* const entry = readdir(folder);
+    if (entry == nullptr && errno != 0) files_.SetIncomplete();
+    if (errno == 0) errno = host_errno;
+    return entry;
   }
 
   // Relative to its folder, which costs no second search of the path and cannot lead elsewhere meanwhile.
@@ -74,7 +84,7 @@ class FolderWalk {
 
   // A folder that cannot be opened is left out, but one that there is no memory for may not be missing.
   bool NotOpened() {
-    if (errno == ENOMEM) files_.RunOutOfMemory();
+    if (errno == ENOMEM) files_.SetIncomplete();
     return false;
   }
 
@@ -116,7 +126,7 @@ bool PathList::Append(std::string_view path) {
     const std::size_t capacity = std::max({kFirstCapacity, size, 2 * capacity_});
     auto* const grown = static_cast<char*>(std::realloc(bytes_.get(), capacity));
     if (grown == nullptr) {
-      RunOutOfMemory();
+      SetIncomplete();
       return false;
     }
     static_cast<void>(bytes_.release());

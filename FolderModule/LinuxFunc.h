@@ -49,7 +49,7 @@ VINTRA_API int CreateDir(char* parent_dir, int front_size);
 // file system has them. Links are not followed. The bytes of each path and its NUL are added to *realLen, up
 // to INT_MAX. Paths of more than 1023 characters are left out, with what is below them.
 //
-// Return the size of the list; 0 when path cannot be opened. A list that is out of memory ends the walk.
+// Return the size of the list; 0 when path cannot be opened. A list that becomes incomplete ends the walk.
 int TraversalFolderFiles(const char* path, vintra::PathList& files, int* realLen);
 int FindDirByFileName(const char* path, const char* filename, vintra::PathList& files, int* realLen);
 

@@ -9,15 +9,15 @@
 
 namespace vintra {
 
-// Each path with a NUL behind it. Grows as needed; once out of memory, it lacks something.
+// Each path with a NUL behind it. Grows as needed; without memory it becomes incomplete.
 class PathList {
  public:
   // Returns false when there is no memory.
   bool Append(std::string_view path);
 
-  // For what else a walk has no memory for.
-  void RunOutOfMemory() { out_of_memory_ = true; }
-  bool out_of_memory() const { return out_of_memory_; }
+  // For what a walk could not read, or has no memory for.
+  void SetIncomplete() { is_incomplete_ = true; }
+  bool is_incomplete() const { return is_incomplete_; }
   std::size_t count() const { return count_; }
   std::string_view bytes() const { return {bytes_.get(), size_}; }
 
@@ -26,7 +26,7 @@ class PathList {
   std::size_t size_ = 0;
   std::size_t capacity_ = 0;
   std::size_t count_ = 0;
-  bool out_of_memory_ = false;
+  bool is_incomplete_ = false;
 };
 
 }  // namespace vintra

@@ -13,6 +13,8 @@
 
 namespace {
 
+constexpr std::size_t kModeSize = 64;
+
 // Reads until the end of the file or until size bytes are there, and returns their number. When reading fails
 // that is what came before, and errno says why; otherwise errno stays as it was.
 std::size_t ReadUpTo(const vintra::FileDescriptor& file, char* bytes, std::size_t size) {
@@ -33,9 +35,13 @@ std::size_t ReadUpTo(const vintra::FileDescriptor& file, char* bytes, std::size_
 int CustomWriteFile(const char* filename, const char* mode, const char* msg, int length) {
   if (filename == nullptr || mode == nullptr || msg == nullptr || length < 0) return 0;
   const vintra::CancellationPause pause;
-  const vintra::FilePtr file(std::fopen(filename, mode));
+  // The 'e', which keeps the file from programs that another thread starts, stands where every mode may have
+  // it.
+  char own_mode[kModeSize];
+  const int size = std::snprintf(own_mode, sizeof own_mode, "%.1se%s", mode, *mode == '\0' ? "" : mode + 1);
+  if (size < 0 || static_cast<std::size_t>(size) >= sizeof own_mode) return 0;
+  const vintra::FilePtr file(std::fopen(filename, own_mode));
   if (!file) return 0;
-  fcntl(fileno(file.get()), F_SETFD, FD_CLOEXEC);  // the mode is the caller's, and may not say so
   // Without a buffer the write itself meets a full disk, and not the closing, which could not report it.
   static_cast<void>(setvbuf(file.get(), nullptr, _IONBF, 0));
   return std::fwrite(msg, static_cast<std::size_t>(length), 1, file.get()) == 1 ? 1 : 0;

@@ -5,10 +5,13 @@
 
 #include <cstdint>
 #include <cstring>
+#include <limits>
 
 namespace vintra {
 
 namespace {
+
+constexpr std::time_t kNoSecond = -std::numeric_limits<std::time_t>::max();
 
 // tzset may be writing these in another thread. Whatever is seen of that only causes one more conversion.
 ZoneMark CurrentZone() {
@@ -35,7 +38,8 @@ ZoneMark CurrentZone() {
   }
   stamp.length = static_cast<std::size_t>(end - begin);
   stamp.day = converted ? DayNumber(local) : 0;
-  stamp.second = second;
+  // What could not be converted is tried again with the next record.
+  stamp.second = stamp.is_complete && stamp.day != 0 ? second : kNoSecond;
   stamp.zone = CurrentZone();
   stamp.is_valid = true;
 }

@@ -8,6 +8,7 @@
 #include "Common/Handles.h"
 #include "FolderModule/PathParts.h"
 #include "VintraModule/ErrLog.h"
+#include "VintraModule/StreamBuffer.h"
 
 namespace vintra {
 
@@ -74,11 +75,25 @@ void CloseLogFile(LogHandleRec& handle) {
   if (result != 0) REPORT_ERROR("LogMsg fclose(%d) = %d failed", number, result);
 }
 
-sint32 FlushLogFile(LogHandleRec& handle) {
-  if (const int result = std::fflush(handle.file_out); result != 0) {
-    REPORT_ERROR("LogMsg fflush(%d) = %d failed", StreamNumber(handle.file_out), result);
-    return kWriteFailed;
+bool HandOverRecords(LogHandleRec& handle, const sint8* next_name, sint8* path) {
+  const StreamLock lock(handle.file_out);
+  if (WritePending(handle.file_out)) return true;
+  if (JoinPath({path, kPathSize}, handle.log_file_path, next_name, handle.log_file_ext)) {
+    const FileDescriptor next(open(path, O_WRONLY | O_TRUNC | O_CLOEXEC));
+    if (next && WritePending(handle.file_out)) return true;
   }
+  static_cast<void>(ReportNotFlushed(handle));
+  return false;
+}
+
+sint32 ReportNotFlushed(const LogHandleRec& handle) {
+  REPORT_ERROR("LogMsg fflush(%d) = %d failed", StreamNumber(handle.file_out), EOF);
+  return kWriteFailed;
+}
+
+sint32 FlushLogFile(LogHandleRec& handle) {
+  const StreamLock lock(handle.file_out);
+  if (!WritePending(handle.file_out)) return ReportNotFlushed(handle);
   handle.flush_size = handle.file_size;
   handle.first_flush_due = false;
   return kSuccess;

@@ -27,8 +27,17 @@ bool RestartLogFile(LogHandleRec& handle, const sint8* path);
 // Closes the current file, if any. Records that cannot be stored any more are reported.
 void CloseLogFile(LogHandleRec& handle);
 
-// Flushes the open file and notes how far. Reports and returns 7 on failure, with flush_size unchanged.
+// Writes what the current file still holds back, before the file is left for the next one. Where there is no
+// room for it, room is made of the next file, which is to be emptied in any case. path is scratch of 260
+// bytes. Reports and returns false when the file still holds records.
+bool HandOverRecords(LogHandleRec& handle, const sint8* next_name, sint8* path);
+
+// Flushes the open file and notes how far. Reports and returns 7 on failure, with flush_size unchanged; what
+// could not be written is kept and tried again with the next flush.
 sint32 FlushLogFile(LogHandleRec& handle);
+
+// Reports that the open file could not be flushed. Returns 7.
+sint32 ReportNotFlushed(const LogHandleRec& handle);
 
 // What identifies a stream in a message.
 int StreamNumber(FILE* stream);

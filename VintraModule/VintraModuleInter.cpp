@@ -1,9 +1,5 @@
 #include "VintraModule/VintraModuleInter.h"
 
-#if __has_include(<sys/single_threaded.h>)
-#include <sys/single_threaded.h>
-#endif
-
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
@@ -14,6 +10,7 @@
 #include <cstring>
 #include <span>
 #include <string_view>
+#include <utility>
 
 #include "Common/Copy.h"
 #include "Common/Handles.h"
@@ -25,6 +22,7 @@
 #include "VintraModule/MessageFormat.h"
 #include "VintraModule/Retention.h"
 #include "VintraModule/Scrambling.h"
+#include "VintraModule/StreamBuffer.h"
 
 const LogHandleRec null_log_handle_rec = {};
 
@@ -148,53 +146,13 @@ sint8* AppendHeader(sint8* end, LogHandleRec& handle, LogLevel level) {
   return AppendSource(end, handle);
 }
 
-// Holds a stream while a record is written. A host's thread that calls fflush(nullptr) reaches the stream
-// without the handle's mutex; without threads nobody does.
-class StreamLock {
- public:
-  explicit StreamLock(FILE* stream) : stream_(HasThreads() ? stream : nullptr) {
-    if (stream_ != nullptr) flockfile(stream_);
-  }
-  StreamLock(const StreamLock&) = delete;
-  StreamLock& operator=(const StreamLock&) = delete;
-  ~StreamLock() {
-    if (stream_ != nullptr) funlockfile(stream_);
-  }
-
- private:
-  static bool HasThreads() {
-#if __has_include(<sys/single_threaded.h>)
-    return !__libc_single_threaded;
-#else
-    return true;
-#endif
-  }
-
-  FILE* const stream_;
-};
-
-// A stream's own buffer, where it can be reached: by the two pointers that the C library's own putc_unlocked
-// works on where it is expanded in its caller. FindRoom gives the place of the next size bytes, or null where
-// there is no room for them, and TakeRoom makes that many bytes there a part of the stream.
-#if defined(__GLIBC__) && !defined(__UCLIBC__)  // which also calls itself the former
-inline sint8* FindRoom(FILE* stream, std::size_t size) {
-  // Below 0 where the stream has no buffer or ends it with each line.
-  const std::ptrdiff_t room = stream->_IO_write_end - stream->_IO_write_ptr;
-  return static_cast<std::ptrdiff_t>(size) <= room ? stream->_IO_write_ptr : nullptr;
-}
-inline void TakeRoom(FILE* stream, std::size_t size) { stream->_IO_write_ptr += size; }
-#else
-inline sint8* FindRoom(FILE*, std::size_t) { return nullptr; }
-inline void TakeRoom(FILE*, std::size_t) {}
-#endif
-
 // Does what fwrite_unlocked does for one item, without a call where the stream's buffer has room. The item
 // may be in that room already.
 inline std::size_t PutItem(std::span<const sint8> item, FILE* stream) {
-  sint8* const room = FindRoom(stream, item.size());
+  sint8* const room = vintra::FindRoom(stream, item.size());
   if (room == nullptr) return fwrite_unlocked(item.data(), item.size(), 1, stream);
   if (item.data() != room) vintra::CopyShort(room, item.data(), item.size());
-  TakeRoom(stream, item.size());
+  vintra::TakeRoom(stream, item.size());
   return 1;
 }
 
@@ -211,20 +169,24 @@ inline std::size_t WritePiece(LogHandleRec& handle, FILE* file_out, std::span<si
   return items;
 }
 
-// Writes header and message to file_out, counts them and flushes when enough bytes have gathered. The stamp
-// is the handle's. The lock is held.
+// Writes header and message to file_out, counts them and flushes when enough bytes have gathered, or when a
+// roll has started the file: the unsigned difference to the kept flush_size is then huge, but not where
+// flush_size was 0 or the record is longer. A record that cannot be flushed is refused and taken back; those
+// before it, which were accepted, go on waiting. The stamp is the handle's. The lock is held.
 sint32 logMsgWriteFile(LogHandleRec* log_handle, FILE* file_out, LogLevel log_level, std::span<sint8> str) {
   if (!log_handle->stamp.is_valid) return vintra::kClockUnreadable;
-  const StreamLock lock(file_out);
+  const vintra::StreamLock lock(file_out);
+  if (!vintra::MakeRoom(file_out, kHeaderSize + str.size())) return vintra::ReportNotFlushed(*log_handle);
   // The header comes to be in its place where it can: to copy what has just been put together in pieces makes
   // a processor wait.
   sint8 own_room[kHeaderSize];
-  sint8* const room = FindRoom(file_out, sizeof own_room);
+  sint8* const room = vintra::FindRoom(file_out, sizeof own_room);
   sint8* const header = room != nullptr ? room : own_room;
   const sint8* const end = AppendHeader(header, *log_handle, log_level);
   if (end == nullptr) return vintra::kHeaderFailed;
+  const std::span<sint8> header_text(header, end);
 
-  if (const std::size_t items = WritePiece(*log_handle, file_out, {header, end}); items != 1) {
+  if (const std::size_t items = WritePiece(*log_handle, file_out, header_text); items != 1) {
     REPORT_ERROR("logMsgWriteFile fwrite failed(errorcode:%d).", static_cast<int>(items));
     return vintra::kWriteFailed;
   }
@@ -235,14 +197,18 @@ sint32 logMsgWriteFile(LogHandleRec* log_handle, FILE* file_out, LogLevel log_le
     }
   }
 
-  // Unsigned: behind a rollover the difference to the kept flush_size is huge.
   const uint32 unflushed = log_handle->file_size - log_handle->flush_size;
-  if (log_handle->file_flush_size > unflushed) return vintra::kSuccess;
-  return vintra::FlushLogFile(*log_handle);
+  if (log_handle->file_flush_size > unflushed && !log_handle->first_flush_due) return vintra::kSuccess;
+  const sint32 code = vintra::FlushLogFile(*log_handle);
+  if (code != 0) vintra::DropPending(file_out, header_text.size() + str.size());
+  return code;
 }
 
-// Opens the next file, emptied. The one before it has been ended.
-sint32 OpenNextFile(LogHandleRec& handle, const sint8* name, sint8* path) {
+// Leaves the current file for the next one, which is started empty. Does not where the current one holds
+// accepted records that the disk has no room for: it stays the current one, and the result is 7.
+sint32 MoveOn(LogHandleRec& handle, const sint8* name, sint8* path) {
+  if (!vintra::HandOverRecords(handle, name, path)) return vintra::kWriteFailed;
+  vintra::EndLogFile(handle);
   if (vintra::OpenLogFile(handle, name, vintra::OpenMode::kEmpty, path)) return vintra::kSuccess;
   REPORT_ERROR("LogMsg open file(%s) for write failed.", path);
   return vintra::kNoFile;
@@ -252,28 +218,32 @@ sint32 OpenNextFile(LogHandleRec& handle, const sint8* name, sint8* path) {
 
 [[gnu::noinline]] sint32 RollFile(LogHandleRec& handle, sint8* path) {
   const vintra::CancellationPause pause;
-  vintra::EndLogFile(handle);
-  return OpenNextFile(handle, handle.log_file_name, path);
+  return MoveOn(handle, handle.log_file_name, path);
 }
 
 [[gnu::noinline]] sint32 RollRing(LogHandleRec& handle, sint8* name, sint8* path) {
   const vintra::CancellationPause pause;
-  vintra::EndLogFile(handle);
-  handle.cur_log_file_ID = vintra::RingNumber(handle.cur_log_file_ID + 1, handle.max_backup_index);
-  vintra::RollbackName(handle, handle.cur_log_file_ID, name);
-  return OpenNextFile(handle, name, path);
+  const uint32 number = vintra::RingNumber(handle.cur_log_file_ID + 1, handle.max_backup_index);
+  vintra::RollbackName(handle, number, name);
+  const sint32 code = MoveOn(handle, name, path);
+  if (code != vintra::kWriteFailed) handle.cur_log_file_ID = number;
+  return code;
 }
 
 [[gnu::noinline]] sint32 RollDay(LogHandleRec& handle, uint32 day, sint8* name, sint8* path) {
   const vintra::CancellationPause pause;
-  vintra::EndLogFile(handle);
-  vintra::RemoveExpiredFiles(handle);
-  const bool same_day = day == handle.cur_date_ID;
-  handle.cur_log_file_ID =
-      same_day ? vintra::RingNumber(handle.cur_log_file_ID + 1, handle.max_backup_index) : 0;
-  handle.cur_date_ID = day;
-  vintra::DateName(handle, handle.cur_log_file_ID, name);
-  return OpenNextFile(handle, name, path);
+  vintra::RemoveExpiredFiles(handle);  // which may make the room that the current file waits for
+  const uint32 old_day = std::exchange(handle.cur_date_ID, day);
+  const uint32 number =
+      day == old_day ? vintra::RingNumber(handle.cur_log_file_ID + 1, handle.max_backup_index) : 0;
+  vintra::DateName(handle, number, name);
+  const sint32 code = MoveOn(handle, name, path);
+  if (code == vintra::kWriteFailed) {
+    handle.cur_date_ID = old_day;
+  } else {
+    handle.cur_log_file_ID = number;
+  }
+  return code;
 }
 
 }  // namespace
@@ -340,11 +310,7 @@ sint32 LogMsg(LogHandleRec* log_handle, LogLevel log_level, std::span<sint8> msg
   vintra::ReadClock(log_handle->stamp);
   if (const sint32 code = log_handle->file_mode->rollover(log_handle, file_name, path); code != 0)
     return code;
-  const sint32 code = logMsgWriteFile(log_handle, log_handle->file_out, log_level, msg);
-  if (code != 0 || !log_handle->first_flush_due) return code;
-  // The arithmetic with the kept flush_size mostly sees to the first record of a rolled file, but not where
-  // flush_size was 0 or the record is longer.
-  return vintra::FlushLogFile(*log_handle);
+  return logMsgWriteFile(log_handle, log_handle->file_out, log_level, msg);
 }
 
 sint32 SimpleMode(LogHandleRec* log_handle, sint8* log_file_name) {

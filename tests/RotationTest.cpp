@@ -91,14 +91,14 @@ TEST_F(RotationTest, NumberedFilesThatCannotBeUsed) {
       Record().cur_log_file_ID = number;
       for (const sint32 written : {0, 5, 1}) EXPECT_EQ(Write(101), written);
     }
-    const std::string report = "errno = 9\nBad file handle " + std::to_string(NextDescriptor());
+    const std::string report = "errno = 5\nBad file handle " + std::to_string(NextDescriptor());
     Errors();
-    for (const int good : {0, 1}) {  // the scan's look at the file, and the size check's
-      fake.good_statuses = good;
+    for (const char* look : {"fstat", "fstat2"}) {  // the scan's at the file, and the size check's
+      fake.NoteCalls(look);
       EXPECT_EQ(Start({"none", 0, 100, "free.log", mode, 2}), 5);
-      EXPECT_EQ(Errors(), report + (good == 0 && mode == Log_Mode_Date ? "\n" : ".\n"));
+      EXPECT_EQ(Errors(), report + (look == "fstat"s && mode == Log_Mode_Date ? "\n" : ".\n"));
     }
-    fake.good_statuses = 1 << 30;
+    fake.notes_calls = false;
   }
 }
 

@@ -1,95 +1,195 @@
 // The linker puts these in the place of the calls that the library makes.
 #include "TestSupport.h"
 
+#include <dirent.h>
 #include <dlfcn.h>
+#include <stdio_ext.h>
 #include <sys/stat.h>
 #include <sys/statfs.h>
 #include <sys/timeb.h>
 #include <sys/utsname.h>
 
+#include <cstdarg>
+#include <new>
+
+namespace {
+
+// Notes a call of a kind, and says whether it is one that fails.
+bool Fails(const std::string& kind) {
+  if (!fake.notes_calls) return false;
+  const int number = ++fake.calls_of_kind[kind];
+  const std::string word = number == 1 ? kind : kind + std::to_string(number);
+  fake.calls += word + " ";
+  errno = EIO;
+  if (word == fake.failing_call) return fake.has_failed = true;
+  return fake.has_failed && fake.fault != Fault::kOnce &&
+         fake.failing_call.find_last_not_of("0123456789") + 1 == kind.size() &&
+         fake.failing_call.starts_with(kind);
+}
+
+ssize_t ReadOnce(void*, char* buffer, std::size_t size) {
+  const std::size_t count = std::exchange(fake.other_file, "").copy(buffer, size);
+  return count != 0 ? static_cast<ssize_t>(count) : -1;
+}
+
+// What a failing write still makes of size bytes.
+std::size_t HalfDone(std::size_t size) {
+  if (fake.fault != Fault::kHalfDone) return 0;
+  fake.fault = Fault::kFromThenOn;
+  return size / 2;
+}
+
+}  // namespace
+
 extern "C" {
+// A call that passes everything on, or fails.
+// clang-format off
+#define VINTRA_CALL(result, name, kind, failure, parameters, ...) \
+  result __real_##name parameters; \
+  result __wrap_##name parameters { return Fails(#kind) ? failure : __real_##name(__VA_ARGS__); }
+VINTRA_CALL(int, access, access, -1, (const char* path, int mode), path, mode)
+VINTRA_CALL(int, openat64, openat, -1, (int folder, const char* path, int flags), folder, path, flags)
+VINTRA_CALL(int, mkostemp64, mkostemp, -1, (char* path, int flags), path, flags)
+VINTRA_CALL(FILE*, fdopen, fdopen, nullptr, (int descriptor, const char* mode), descriptor, mode)
+VINTRA_CALL(int, setvbuf, setvbuf, -1, (FILE* stream, char* buffer, int mode, std::size_t size), stream, buffer, mode, size)
+VINTRA_CALL(int, fstat64, fstat, -1, (int descriptor, struct stat64* status), descriptor, status)
+VINTRA_CALL(int, ftruncate64, ftruncate, -1, (int descriptor, off64_t size), descriptor, size)
+VINTRA_CALL(ssize_t, read, read, -1, (int descriptor, void* bytes, std::size_t size), descriptor, bytes, size)
+VINTRA_CALL(ssize_t, pread64, pread, -1, (int descriptor, void* bytes, std::size_t size, off64_t at), descriptor, bytes, size, at)
+VINTRA_CALL(char*, fgets, fgets, nullptr, (char* text, int size, FILE* stream), text, size, stream)
+VINTRA_CALL(int, fflush, fflush, EOF, (FILE* stream), stream)
+VINTRA_CALL(int, rename, rename, -1, (const char* from, const char* to), from, to)
+VINTRA_CALL(int, unlink, unlink, -1, (const char* path), path)
+VINTRA_CALL(int, rmdir, rmdir, -1, (const char* path), path)
+VINTRA_CALL(DIR*, opendir, opendir, nullptr, (const char* path), path)
+VINTRA_CALL(DIR*, fdopendir, fdopendir, nullptr, (int descriptor), descriptor)
+VINTRA_CALL(void*, _ZnwmRKSt9nothrow_t, new, nullptr, (std::size_t size, const std::nothrow_t& tag), size, tag)
+VINTRA_CALL(int, vasprintf, vasprintf, -1, (char** text, const char* format, va_list args), text, format, args)
+VINTRA_CALL(int, __vasprintf_chk, vasprintf, -1, (char** text, int flag, const char* format, va_list args), text, flag, format, args)
+VINTRA_CALL(int, pthread_mutex_init, mutex, ENOMEM, (pthread_mutex_t* mutex, const pthread_mutexattr_t* kind), mutex, kind)
+VINTRA_CALL(std::tm*, localtime_r, localtime, nullptr, (const std::time_t* second, std::tm* local), second, local)
+VINTRA_CALL(std::size_t, strftime, strftime, 0, (char* text, std::size_t size, const char* format, const std::tm* local), text, size, format, local)
+#undef VINTRA_CALL
+// clang-format on
+
+// The rest differ when they succeed, or fail with what they were called for done in part.
 void* __real_malloc(std::size_t size);
 void* __real_realloc(void* block, std::size_t size);
-int __real_mkdir(const char* path, mode_t mode);
-int __real_fstat64(int descriptor, struct stat64* status);
+int __real_open64(const char* path, int flags, ...);
 std::FILE* __real_fopen64(const char* path, const char* mode);
-int __real_fsync(int descriptor);
+int __real_mkdir(const char* path, mode_t mode);
+ssize_t __real_write(int descriptor, const void* bytes, std::size_t size);
+std::size_t __real_fwrite(const void* bytes, std::size_t size, std::size_t count, std::FILE* stream);
 std::size_t __real_fwrite_unlocked(const void* bytes, std::size_t size, std::size_t count, std::FILE* stream);
+int __real_fsync(int descriptor);
 int __real_fclose(std::FILE* stream);
-int __real_rename(const char* from, const char* to);
+struct dirent64* __real_readdir64(DIR* folder);
+int __real_close(int descriptor);
 
-static bool FailsNow() {
+void* __wrap_malloc(std::size_t size) {
+  ++fake.allocations;
   errno = ENXIO;  // which a successful call may do as well
-  return ++fake.allocations == fake.failing_allocation;
+  return Fails("malloc") ? nullptr : __real_malloc(size);
 }
-void* __wrap_malloc(std::size_t size) { return FailsNow() ? nullptr : __real_malloc(size); }
-void* __wrap_realloc(void* old, std::size_t size) { return FailsNow() ? nullptr : __real_realloc(old, size); }
-std::time_t __wrap_time(std::time_t*) { return fake.coarse_second.fetch_add(fake.seconds_per_reading); }
+void* __wrap_realloc(void* old, std::size_t size) {
+  ++fake.allocations;
+  errno = ENXIO;
+  return Fails("realloc") ? nullptr : __real_realloc(old, size);
+}
+int __wrap_asprintf(char** text, const char* format, ...) {
+  va_list args;
+  va_start(args, format);
+  const int length = Fails("asprintf") ? -1 : __real_vasprintf(text, format, args);
+  va_end(args);
+  return length;
+}
+int __wrap___asprintf_chk(char** text, int flag, const char* format, ...) {
+  va_list args;
+  va_start(args, format);
+  const int length = Fails("asprintf") ? -1 : __real___vasprintf_chk(text, flag, format, args);
+  va_end(args);
+  return length;
+}
+std::time_t __wrap_time(std::time_t*) {
+  return Fails("time") ? -1 : fake.coarse_second.fetch_add(fake.seconds_per_reading);
+}
 int __wrap_ftime(timeb* now) {
+  if (Fails("ftime")) return -1;
   *now = {fake.fine_second.fetch_add(fake.seconds_per_reading), fake.millisecond, 0, 0};
   return 0;
 }
 int __wrap_dladdr(const void*, Dl_info* info) {
   info->dli_fname = fake.library_file.c_str();
-  return 1;
+  return Fails("dladdr") ? 0 : 1;
 }
 int __wrap_mkdir(const char* path, mode_t mode) {
   if (fake.folder_race) __real_mkdir(path, mode);
-  return __real_mkdir(path, mode);
+  return Fails("mkdir") ? -1 : __real_mkdir(path, mode);
 }
-int __wrap_fstat64(int descriptor, struct stat64* status) {
-  return fake.good_statuses-- > 0 ? __real_fstat64(descriptor, status) : __real_fstat64(-1, status);
-}
-// Calls of a kind are told apart by their number: "fsync2".
-static bool NotedAndFails(const std::string& name) {
-  if (!fake.notes_calls) return false;
-  std::string word = name;
-  for (int number = 2; fake.calls.find(word + " ") != std::string::npos;)
-    word = name + std::to_string(number++);
-  fake.calls += word + " ";
-  errno = EIO;
-  return word == fake.failing_call;
-}
-static ssize_t ReadOnce(void*, char* buffer, std::size_t size) {
-  const std::size_t count = std::exchange(fake.other_file, "").copy(buffer, size);
-  return count != 0 ? static_cast<ssize_t>(count) : -1;
+int __wrap_open64(const char* path, int flags, ...) {
+  va_list args;
+  va_start(args, flags);
+  const auto mode = (flags & O_CREAT) != 0 ? va_arg(args, mode_t) : 0;
+  va_end(args);
+  if ((flags & O_TRUNC) != 0 && fake.before_emptying) fake.before_emptying(path);
+  return Fails("open") ? -1 : __real_open64(path, flags, mode);
 }
 std::FILE* __wrap_fopen64(const char* path, const char* mode) {
-  if (fs::path(path).parent_path() == "/proc") return __real_fopen64(path + std::strlen("/proc/"), mode);
-  if (!NotedAndFails("open")) return __real_fopen64(path, mode);
+  const bool is_proc = fs::path(path).parent_path() == "/proc";
+  if (!Fails("fopen")) return __real_fopen64(is_proc ? path + std::strlen("/proc/") : path, mode);
+  if (fake.other_file.empty()) return nullptr;
   if (!fake.other_file.starts_with('[')) return __real_fopen64(fake.other_file.c_str(), mode);
   return fopencookie(nullptr, "r", {ReadOnce, nullptr, nullptr, nullptr});
 }
+ssize_t __wrap_write(int descriptor, const void* bytes, std::size_t size) {
+  if (!Fails("write")) return __real_write(descriptor, bytes, size);
+  const std::size_t half = HalfDone(size);
+  return half != 0 ? __real_write(descriptor, bytes, half) : -1;
+}
+// A failing one leaves nothing in the stream, as a disk that fills up does.
+std::size_t __wrap_fwrite(const void* bytes, std::size_t size, std::size_t count, FILE* stream) {
+  if (!Fails("fwrite")) return __real_fwrite(bytes, size, count, stream);
+  __fpurge(stream);
+  return 0;
+}
 std::size_t __wrap_fwrite_unlocked(const void* bytes, std::size_t size, std::size_t count, FILE* stream) {
-  const std::size_t written = __real_fwrite_unlocked(bytes, size, count, stream);
-  return NotedAndFails("write") ? 0 : written;
+  if (!Fails("fwrite")) return __real_fwrite_unlocked(bytes, size, count, stream);
+  __fpurge(stream);
+  return 0;
 }
 int __wrap_fsync(int descriptor) {
   struct stat64 status {};
   __real_fstat64(descriptor, &status);
   if (fake.notes_calls && fake.calls.find("fsync") == std::string::npos) fake.synced_size = status.st_size;
-  return NotedAndFails("fsync") ? -1 : __real_fsync(descriptor);
+  return Fails("fsync") ? -1 : __real_fsync(descriptor);
+}
+struct dirent64* __wrap_readdir64(DIR* folder) {
+  const int host_errno = errno;  // which the end of a folder leaves alone
+  if (Fails("readdir")) return nullptr;
+  errno = host_errno;
+  return __real_readdir64(folder);
 }
 int __wrap_fclose(std::FILE* stream) {
   const int result = __real_fclose(stream);
-  return NotedAndFails("fclose") ? EOF : result;
+  return Fails("fclose") ? EOF : result;
 }
-int __wrap_rename(const char* from, const char* to) {
-  return NotedAndFails("rename") ? -1 : __real_rename(from, to);
+int __wrap_close(int descriptor) {
+  const int result = __real_close(descriptor);
+  return Fails("close") ? -1 : result;
 }
 int __wrap_gethostname(char* name, std::size_t size) {
   std::string(fake.host).append(1, '\0').copy(name, size);
-  return fake.host.empty() || fake.host.size() >= size ? -1 : 0;
+  return Fails("gethostname") || fake.host.empty() || fake.host.size() >= size ? -1 : 0;
 }
 int __wrap_uname(utsname* system) {
   for (char* field : {system->sysname, system->machine, system->release, system->version})
     fake.system_field.copy(field, sizeof system->sysname - 1);
-  return fake.system_field.empty() ? -1 : 0;
+  return Fails("uname") || fake.system_field.empty() ? -1 : 0;
 }
 int __wrap_statfs64(const char* path, struct statfs64* status) {
   status->f_bsize = 4096;
   status->f_blocks = fake.blocks;
-  return fake.blocks == 0 || std::string(path) != "/" ? -1 : 0;
+  return Fails("statfs") || fake.blocks == 0 || std::string(path) != "/" ? -1 : 0;
 }
 pid_t __wrap_getpid() { return fake.pid; }
 pid_t __wrap_gettid() { return fake.tid; }

@@ -12,11 +12,14 @@
 #include <ctime>
 #include <filesystem>
 #include <fstream>
+#include <functional>
+#include <map>
 #include <memory>
 #include <numeric>
 #include <set>
 #include <sstream>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -29,24 +32,40 @@ using namespace std::string_literals;
 constexpr std::time_t kStart = 1794835454;             // 2026-11-16 13:24:14 UTC
 constexpr std::time_t kNoYear = std::time_t{1} << 60;  // in a year that has no number
 
+enum class Fault {
+  kOnce,
+  kFromThenOn,
+  kHalfDone
+};  // the last one: as the second, but half of a write is made
+
 struct FakeSystem {
   std::string library_file;                                             // as the loader names it
   std::atomic<std::time_t> coarse_second{kStart}, fine_second{kStart};  // what time() and ftime() return
   unsigned short millisecond = 7;
-  std::atomic<int> allocations{0}, failing_allocation{0};  // malloc and realloc; which one fails, from 1
-  bool folder_race = false;                 // another process makes each folder just before mkdir does
-  std::atomic<int> good_statuses{1 << 30};  // calls of fstat until it fails
-  int seconds_per_reading = 0;              // by which the clock moves on
+  std::atomic<int> allocations{0};  // malloc and realloc
+  bool folder_race = false;         // another process makes each folder just before mkdir does
+  int seconds_per_reading = 0;      // by which the clock moves on
+  std::function<void(const char* path)> before_emptying;  // of a file by open
   // What the banners ask for. The files of /proc lie in the working directory.
   std::string host = "box1", system_field = "unix";  // empty: cannot be read; the latter is every field
   unsigned long long blocks = 0;                     // of "/", of 4 KiB; 0: cannot be read
   int pid = 4242, tid = 4243;
-  // What opens, writes, stores and names files, one word a call ("open fsync fsync2 "), and which of them
-  // fails. An open that fails opens other_file instead, or a file that cannot be read behind its "[text".
-  bool notes_calls = false;  // for one thread only
+  // The calls that the library makes of the system, by one thread, one word each: "open fsync fsync2 ". One
+  // of them fails. An fopen that does opens other_file instead, or a file that cannot be read behind its
+  // "[text".
+  bool notes_calls = false;
   std::string calls, failing_call, other_file;
+  std::map<std::string, int> calls_of_kind;
+  Fault fault = Fault::kOnce;
+  bool has_failed = false;
   long synced_size = -1;  // of the first file that was synced
+
   void SetClock(std::time_t second) { coarse_second = fine_second = second; }
+  void NoteCalls(const std::string& failing = "", Fault how = Fault::kOnce) {
+    std::tie(notes_calls, failing_call, fault, has_failed) = std::tuple(true, failing, how, false);
+    calls.clear();
+    calls_of_kind.clear();
+  }
 };
 inline FakeSystem fake;  // each test starts with a new one
 
@@ -113,8 +132,8 @@ struct Settings {
 // Each test works in a folder of its own, also the library's, at 2026-11-16 13:24:14.007 UTC.
 class LogTest : public testing::Test {
  protected:
-  LogTest() {
-    std::string name = fs::temp_directory_path() / "vintra_test_XXXXXX";
+  explicit LogTest(const fs::path& parent = fs::exists("/dev/shm") ? "/dev/shm" : fs::temp_directory_path()) {
+    std::string name = parent / "vintra_test_XXXXXX";
     folder_ = std::string(mkdtemp(name.data())) + "/";
     fs::current_path(folder_);
     setenv("TZ", "UTC", 1);
