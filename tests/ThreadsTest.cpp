@@ -1,5 +1,6 @@
 // Many threads on one handle, on the error log, and on files.
 #include <chrono>
+#include <mutex>
 #include <thread>
 
 #include "ConfigFileINI/ConfigFileINI.h"
@@ -11,41 +12,60 @@ namespace {
 
 using ThreadsTest = LogTest;
 
+// Eight threads on one log, or each on its own, which moves on with every second record. What a log empties
+// is kept.
 TEST_F(ThreadsTest, RecordsAndReportsStayWholeInEveryMode) {
+  constexpr uint32 kLimit = 100;
   std::multiset<std::string> expected;
   for (int item = 0; item < 8 * 500; ++item)
     expected.insert(std::to_string(item / 500) + " " + std::to_string(item % 500) + "\r");
+  std::mutex mutex;
+  std::string records;
+  std::size_t rolls = 0;
+  const auto keep = [&](const fs::path& path) {
+    const std::string text = ReadFile(path);
+    EXPECT_LE(text.size(), kLimit + 110);
+    const std::lock_guard lock(mutex);
+    if (!text.empty()) records += text + "\r\n", ++rolls;
+  };
+  fake.before_emptying = keep;
   for (const LogMode mode : {Log_Mode_Simple, Log_Mode_Rollback, Log_Mode_Date}) {
-    const uint32 limit = mode == Log_Mode_Simple ? 1U << 30 : 2000;
-    Open({"%E%F%L%N", 1000, limit, "app.log", mode});
-    std::thread threads[8];
-    for (int id = 0; id < 8; ++id) {
-      threads[id] = std::thread([this, id] {
-        const std::string source = std::string(static_cast<std::size_t>(id) * 8 + 1, 's') + ".c";
-        for (int number = 0; number < 500; ++number) {
-          EXPECT_EQ(LOG_INFO(SourceInfo(handle_, source.c_str(), id + 1), "|%d %d", id, number), 0);
-          EXPECT_EQ(number % 50 == 0 ? LOG_MSG_FLUSH(handle_) : 0, 0);
-          std::fflush(nullptr);  // reaches the log's stream beside the handle
-          PrintErrLog("w.src", 1, "] |%d %d\r", id, number);
-        }
-      });
-    }
-    for (std::thread& thread : threads) thread.join();
-    Close();
-    std::string records, reports = Errors();
-    for (const auto& entry : fs::directory_iterator(".")) {
-      EXPECT_LE(entry.file_size(), limit + 110);
-      records += ReadFile(entry.path()) + "\r\n";
-      fs::remove(entry);
-    }
-    for (const std::string& text : {records, reports}) {
-      std::multiset<std::string> seen;
-      std::istringstream lines(text);
-      for (std::string line; std::getline(lines, line);)
-        seen.insert(line.substr(std::min(line.find("] |") + 3, line.size())));
-      EXPECT_EQ(seen, expected);
+    for (const std::size_t logs : {1U, 8U}) {
+      LOGHANDLE handles[8] = {};
+      for (std::size_t log = 0; log < logs; ++log) {
+        const LogConfigRecEx config =
+            Settings{"%E%F%L%N", 50, kLimit, std::to_string(log) + ".log", mode, 2}.Config();
+        EXPECT_EQ(LOG_MODULE_INIT_New_Ex(&config, &handles[log]), 0);
+      }
+      std::thread threads[8];
+      for (std::size_t id = 0; id < 8; ++id) {
+        threads[id] = std::thread([id, handle = handles[id % logs]] {
+          const std::string source = std::string(id * 8 + 1, 's') + ".c";
+          for (int number = 0; number < 500; ++number) {
+            EXPECT_EQ(LOG_INFO(SourceInfo(handle, source.c_str(), number + 1), "|%zu %d", id, number), 0);
+            EXPECT_EQ(number % 50 == 0 ? LOG_MSG_FLUSH(handle) : 0, 0);
+            if (number % 10 == 0) std::fflush(nullptr);  // reaches the log's stream beside the handle
+            PrintErrLog("w.src", 1, "] |%zu %d\r", id, number);
+          }
+        });
+      }
+      for (std::thread& thread : threads) thread.join();
+      for (std::size_t log = 0; log < logs; ++log) LOG_MODULE_DESTORY(&handles[log]);
+      const std::string reports = Errors();
+      for (const auto& entry : fs::directory_iterator(".")) {
+        keep(entry.path());
+        fs::remove(entry);
+      }
+      for (const std::string& text : {std::exchange(records, ""), reports}) {
+        std::multiset<std::string> seen;
+        std::istringstream lines(text);
+        for (std::string line; std::getline(lines, line);)
+          seen.insert(line.substr(std::min(line.find("] |") + 3, line.size())));
+        EXPECT_EQ(seen, expected);
+      }
     }
   }
+  std::cout << 3 * 2 * 8 * 500 << " records in " << rolls << " files, each once and whole\n";
 }
 
 TEST_F(ThreadsTest, FilesAndFoldersServeManyThreads) {
