@@ -20,7 +20,8 @@
  *    2  out of memory, or a message that no buffer can hold
  *    4  the log folder could not be made
  *    5  a log file could not be opened or emptied, its path exceeds 259 characters, or its size is unreadable
- *    7  writing or flushing the log file failed; records not flushed before may be lost with it
+ *    7  writing or flushing the log file failed, as on a full disk: nothing of the record is in the file, or
+ *       only its beginning. Those accepted before it are kept, and written when there is room again
  *    9  the library's folder joined with the folder of a relative name exceeds 259 characters; or an argument
  *       of LOG_MODULE_INIT, or what it has read, is invalid
  *   10  a header field of a record could not be formatted
@@ -42,7 +43,7 @@
  * handle any number of threads may call everything but LOG_MODULE_DESTORY at once; records never interleave.
  * Handles do not wait for each other. Two handles, or two processes, on one folder and base name are not
  * coordinated. Flush before fork, as unflushed records exist in both processes after it; a child of a process
- * with several threads leaves inherited handles alone. Stop logging in other threads before exit. No call is
+ * with several threads calls nothing of this library. Stop logging in other threads before exit. No call is
  * for signal handlers, nor for the constructors of a library that dlopen is loading.
  *
  * Files are opened close-on-exec and in append mode, so that another program may truncate or append to one.
@@ -125,8 +126,7 @@ typedef struct LogConfigRec {
   uint32 max_file_size;
   uint32 max_backup_index; /* files of a ring or day, 0 for no end; the simple mode does not use it */
   /* Flush when this many bytes are unflushed. 0 flushes after every record, which is then safe from the death
-   * of the process; otherwise a killed process loses at most this many bytes and one record, and so does a
-   * full disk when the log moves on to another file, which only the error log tells of. */
+   * of the process; otherwise a killed process loses at most this many bytes and one record. */
   uint32 file_flush_size;
   uint32 log_time_span; /* days that the date mode keeps its files, 0 for ever; other modes do not use it */
   /* The pieces of each line, as directives: '%', any number of spaces, and a capital letter. Other text is
@@ -246,7 +246,8 @@ VINTRA_API sint32 LOG_MODULE_INIT(const sint8* config_file, const sint8* section
 VINTRA_API LogLevel LOG_LEVEL(LOGHANDLE log_handle);
 
 /* Flushes the handle's file to the system if anything was written since the last flush. Returns 0, also when
- * no file is open; 1 for a handle that is not live; 7 when the flush failed. */
+ * no file is open; 1 for a handle that is not live; 7 when the flush failed. What could not be written is
+ * kept and tried again with a later record, but not by a second call, which returns 0. */
 VINTRA_API sint32 LOG_MSG_FLUSH(LOGHANDLE log_handle);
 
 /*
@@ -267,7 +268,7 @@ VINTRA_API LOGHANDLE SourceInfo(LOGHANDLE log_handle, const sint8* source_file_n
  * Flushes and closes the handle's file, releases everything and sets *a_log_handle to null_log_handle. Waits
  * for a record that another thread is writing; the caller sees to it that no thread uses the handle any more.
  * A null pointer, null_log_handle and a record that is not live are ignored. When the last records cannot be
- * stored any more, the error log says so.
+ * stored any more, only the error log says so: see LOG_MSG_FLUSH.
  */
 VINTRA_API void LOG_MODULE_DESTORY(LOGHANDLE* a_log_handle);
 
@@ -307,7 +308,9 @@ VINTRA_API sint32 GetEncryptData(const sint8* sourceData, uint32 sourcelength, s
  * Return 0 when the record was written or is below the threshold; 1 for a null format, a handle that is not
  * live or one without an open file; 2, also for text that cannot be encoded; 5 when the next file could not
  * be opened, after which the handle stays without a file; 7, 10, 12, after which the next record may well
- * succeed. Except for a failure of writing or flushing (7), nothing of a refused record is in the file.
+ * succeed. Except for the beginning that a failure of writing or flushing (7) may leave, nothing of a refused
+ * record is in the file. A log does not move on to its next file while it keeps records that there is no room
+ * for; the next file's content, which moving on empties, goes first.
  *
  * Each function has a second name, vintra_info for LOG_INFO and so on, for sources that use <syslog.h> or
  * another header that makes the first one a macro. A plain name that is a macro already is not declared.

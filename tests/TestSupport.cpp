@@ -143,6 +143,7 @@ std::FILE* __wrap_fopen64(const char* path, const char* mode) {
 }
 ssize_t __wrap_write(int descriptor, const void* bytes, std::size_t size) {
   if (!Fails("write")) return __real_write(descriptor, bytes, size);
+  errno = ENOSPC;
   const std::size_t half = HalfDone(size);
   return half != 0 ? __real_write(descriptor, bytes, half) : -1;
 }
