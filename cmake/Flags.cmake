@@ -22,4 +22,8 @@ elseif(VINTRA_HARDEN)
   target_compile_options(vintra_flags INTERFACE -fstack-protector-strong
     $<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE$<SEMICOLON>-D_FORTIFY_SOURCE=2>)
   target_link_options(vintra_flags INTERFACE -Wl,-z,relro -Wl,-z,now)
+  # Programs lie at another address each time, whatever the compiler's own choice is.
+  include(CheckPIESupported)
+  check_pie_supported()
+  set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 endif()
