@@ -143,6 +143,7 @@ class LogTest : public testing::Test {
     fake.library_file = folder_ + "libvintra.so";
   }
   ~LogTest() override {
+    fake.notes_calls = false;
     Close();
     fs::current_path("/");
     fs::remove_all(folder_);
