@@ -4,7 +4,7 @@
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   std::string_view input(reinterpret_cast<const char*>(data), size);
   const std::string key_section = TakeText(input);
-  const std::size_t room = input.empty() ? 0 : static_cast<unsigned char>(input.front());
+  const auto room = static_cast<std::size_t>(FirstByte(input));
   SetUp(input);
 
   for (const std::string* section : {static_cast<const std::string*>(nullptr), &key_section}) {
@@ -14,7 +14,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto end = static_cast<std::size_t>(used);
     Require(used >= 0 && (used == 0 || end + 1 < room));
     Require(used == 0 ? list == before : list[end] == '\0' && list.substr(end + 1) == before.substr(end + 1));
-    const std::vector<std::string> names = Names(list, used), all = List(section);
+    const std::vector<std::string> names = Names(list.data(), used), all = List(section);
     Require(names.size() <= all.size() && std::equal(names.begin(), names.end(), all.begin()));
     Require(names.size() == all.size() || end + all[names.size()].size() + 2 >= room);
   }
