@@ -58,8 +58,9 @@ VINTRA_API char* GetDLLDir(char* module_dir);
 
 /*
  * Makes every missing folder of path, from the top down, with mode 0777 less the umask. path has 1 to 248
- * characters; runs of separators count as one, and one at the end is harmless. Anything of a level's name
- * that exists counts as the level, and so does one that another process makes meanwhile.
+ * characters, with a '/' counted behind a ':' that ends the first component; runs of separators count as one,
+ * and one at the end is harmless. Anything of a level's name that exists counts as the level, and so does one
+ * that another process makes meanwhile.
  *
  * Returns 1, or 0 for a null, empty or over-long path, for a first component that ends in ':' and is not
  * there, and when a level cannot be made. A failed call removes the levels that it made itself, and only
@@ -70,7 +71,8 @@ VINTRA_API int CreateMulDir(const char* path);
 
 /*
  * Makes subdir, a chain of one or more components, below parent_dir: a buffer of 261 bytes whose text ends in
- * '/'. The first component of subdir is appended to that text in place.
+ * '/'. The first component of subdir is appended to that text in place. A subdir that begins with a separator
+ * makes parent_dir itself where that is missing.
  *
  * Returns 1, or 0 with parent_dir unchanged for a null or empty argument, for texts of more than 248
  * characters together, and when the first component cannot be made. When a level further down cannot be made

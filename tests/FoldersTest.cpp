@@ -128,6 +128,12 @@ TEST_F(FoldersTest, ExportedSteps) {
   EXPECT_EQ(CreateChildDir(std::strcpy(parent, "x/"), "new/../../f/x"), 0);
   EXPECT_STREQ(parent, "x/") << "made, taken back and cut off";
   EXPECT_EQ(Entries(), "f x x/y x/z ");
+  EXPECT_EQ(
+      CreateDir(std::strcpy(parent, "w"), 0) + CheckAndCreateParentDir(std::strcpy(parent, "w/v"), 3, 1), 2);
+  EXPECT_EQ(CheckAndCreateParentDir(std::strcpy(parent, "w/c:"), 4, 1) + CreateDir(nullptr, 0), 0);
+  EXPECT_STREQ(parent, "w") << "cut off";
+  EXPECT_EQ(CheckAndCreateParentDir(nullptr, 0, 0), 0);
+  EXPECT_EQ(Entries(), "f w w/v x x/y x/z ");
   for (const int length : {259, 260}) {
     std::string path(static_cast<std::size_t>(length), 'r');
     EXPECT_EQ(SetRootDir(path.data(), path.data(), text), length == 259 ? 259 : 0);

@@ -59,6 +59,7 @@ TEST_F(LogLineTest, LevelsTagsAndThresholds) {
     }
     EXPECT_EQ(fake.allocations, static_cast<int>(9 - threshold)) << "one for a record, none if dropped";
     EXPECT_EQ(threshold == 1 ? 0 : LogRecord(handle_, "Trace", "%s", text), 0);
+    EXPECT_EQ(LogRecord(handle_, nullptr, "%s", text) + LogRecord(handle_, "Info", "%s", nullptr), 2);
     EXPECT_EQ(LogRecord(handle_, "info", "%s", text) + LOG_MSG_FLUSH(handle_), threshold / 9);
     EXPECT_EQ(ReadFile("sub/app.log"), threshold == 9 ? "" : expected + "  x") << "an unknown word passes";
     EXPECT_EQ(fs::exists("sub"), threshold != 9);
