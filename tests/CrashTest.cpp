@@ -92,10 +92,10 @@ TEST_F(CrashTest, KilledWritersLoseNothingThatWasFlushed) {
       for (const auto& entry : fs::directory_iterator(".")) fs::remove(entry);
       const Settings settings{"%N", flush, 20000, "app.log", mode, 1000};
       std::set<int> lost;
-      *last_ = 0;
       for (int round = 0, next = 1; round < Rounds(25); ++round, ++kills) {
         fake.SetClock(kStart + 86400 * (round / 5));
         const int before = next;
+        *last_ = next - 1;
         EXPECT_EQ(InChild(
                       [&] {
                         Open(settings);
