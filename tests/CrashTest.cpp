@@ -17,12 +17,6 @@ namespace {
 
 constexpr int kNotPermitted = 77;
 
-// How often a random test is repeated: more where scripts/prove asks for it.
-int Rounds(int usual) {
-  const char* const factor = std::getenv("VINTRA_ROUNDS");
-  return usual * std::max(factor == nullptr ? 1 : std::atoi(factor), 1);
-}
-
 // The message of a record, by its number: each of a length of its own.
 std::string Text(int number) {
   return "|" + std::to_string(number) + "|" + std::string(static_cast<std::size_t>(number * 37 % 300), 'x') +
@@ -94,7 +88,6 @@ TEST_F(CrashTest, KilledWritersLoseNothingThatWasFlushed) {
       std::set<int> lost;
       for (int round = 0, next = 1; round < Rounds(25); ++round, ++kills) {
         fake.SetClock(kStart + 86400 * (round / 5));
-        const int before = next;
         *last_ = next - 1;
         EXPECT_EQ(InChild(
                       [&] {
@@ -113,7 +106,7 @@ TEST_F(CrashTest, KilledWritersLoseNothingThatWasFlushed) {
         const int written = numbers.empty() ? unwritten : numbers.back();
         EXPECT_LE(written, *last_ + 1);
         int missing = 0;
-        for (int number = std::max(written + 1, before); number <= *last_; ++number) {
+        for (int number = std::max(written + 1, next); number <= *last_; ++number) {
           missing += static_cast<int>(Text(number).size()) + 4;
           lost.insert(number);
         }

@@ -108,9 +108,7 @@ TEST_F(ModelTest, RandomHistories) {
   const uint32 limits[] = {2, 40, 100, 1000, 1000}, rings[] = {0, 1, 2, 3, 5}, spans[] = {0, 1, 1, 2, 7, UINT32_MAX}, levels[] = {1, 1, 1, 1, 3, 4, 9};
   const uint32 thresholds[] = {0, 10, 700, 4096}, modes[] = {1, 2, 2, 3, 3, 3};
   // clang-format on
-  const char* const rounds = std::getenv("VINTRA_ROUNDS");
-  const int histories = 80 * (rounds != nullptr ? std::stoi(rounds) : 1);
-  for (int seed = 1; seed <= histories; ++seed) {
+  for (int seed = 1; seed <= Rounds(80); ++seed) {
     std::mt19937 random(static_cast<unsigned>(seed));
     const auto below = [&](std::size_t end) { return static_cast<uint32>(random() % end); };
     const auto any = [&](const auto& list) { return list[below(std::size(list))]; };
@@ -164,7 +162,8 @@ TEST_F(ModelTest, RandomHistories) {
       ASSERT_EQ(found, model.files);
     }
   }
-  std::cout << Bars(histories, records, rolls, removed) << " histories, records, rolls, files removed\n";
+  std::cout << Rounds(80) << " histories, " << records << " records, " << rolls << " rolls, " << removed
+            << " files removed\n";
 }
 
 }  // namespace

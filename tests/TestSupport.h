@@ -104,6 +104,12 @@ inline std::string Unscrambled(std::string bytes) {
   return bytes;
 }
 
+// How often a random test is repeated: more often where scripts/prove asks for it.
+inline int Rounds(int usual) {
+  const char* const factor = std::getenv("VINTRA_ROUNDS");
+  return usual * std::max(factor == nullptr ? 1 : std::atoi(factor), 1);
+}
+
 // What whoever opens a file next gets.
 inline int NextDescriptor() {
   const int next = dup(0);
