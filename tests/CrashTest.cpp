@@ -87,7 +87,7 @@ TEST_F(CrashTest, KilledWritersLoseNothingThatWasFlushed) {
       const Settings settings{"%N", flush, 20000, "app.log", mode, 1000};
       std::set<int> lost;
       for (int round = 0, next = 1; round < Rounds(25); ++round, ++kills) {
-        fake.SetClock(kStart + 86400 * (round / 5));
+        fake.SetClock(kStart + std::time_t{86400} * (round / 5));
         *last_ = next - 1;
         EXPECT_EQ(InChild(
                       [&] {
