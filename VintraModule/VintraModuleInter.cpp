@@ -176,12 +176,15 @@ inline std::size_t WritePiece(LogHandleRec& handle, FILE* file_out, std::span<si
 sint32 logMsgWriteFile(LogHandleRec* log_handle, FILE* file_out, LogLevel log_level, std::span<sint8> str) {
   if (!log_handle->stamp.is_valid) return vintra::kClockUnreadable;
   const vintra::StreamLock lock(file_out);
-  if (!vintra::MakeRoom(file_out, kHeaderSize + str.size())) return vintra::ReportNotFlushed(*log_handle);
   // The header comes to be in its place where it can: to copy what has just been put together in pieces makes
   // a processor wait.
   sint8 own_room[kHeaderSize];
-  sint8* const room = vintra::FindRoom(file_out, sizeof own_room);
-  sint8* const header = room != nullptr ? room : own_room;
+  sint8* header = vintra::FindRoom(file_out, kHeaderSize + str.size());
+  if (header == nullptr) {
+    if (!vintra::MakeRoom(file_out, kHeaderSize + str.size())) return vintra::ReportNotFlushed(*log_handle);
+    header = vintra::FindRoom(file_out, kHeaderSize);
+    if (header == nullptr) header = own_room;
+  }
   const sint8* const end = AppendHeader(header, *log_handle, log_level);
   if (end == nullptr) return vintra::kHeaderFailed;
   const std::span<sint8> header_text(header, end);
