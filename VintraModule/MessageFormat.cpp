@@ -181,11 +181,12 @@ void AppendField(BoundedText& text, const Directive& directive, std::string_view
   AppendPadded(text, directive, piece, zeros);
 }
 
-constexpr auto kPowersOfTen = [] {
+constexpr auto PowersOfTen() {
   std::array<std::uint64_t, 20> powers{1};
   for (std::size_t at = 1; at < powers.size(); ++at) powers[at] = powers[at - 1] * 10;
   return powers;
-}();
+}
+constexpr auto kPowersOfTen = PowersOfTen();
 
 std::size_t CountDecimals(std::uint64_t number) {
   number |= 1;  // 0 has a digit too, and a power of ten is reached from an odd number
@@ -247,8 +248,8 @@ constexpr std::size_t kIntegerSize = 24;  // 22 octal digits and a sign
 
 // The next argument as an integer of the directive's size, widened with its sign or with zeros.
 std::uint64_t NextInteger(Arguments& args, ArgumentSize size, bool is_signed) {
-  const auto widen = [is_signed]<typename Unsigned>(Unsigned value) {
-    using Signed = std::make_signed_t<Unsigned>;
+  const auto widen = [is_signed](auto value) {
+    using Signed = std::make_signed_t<decltype(value)>;
     return is_signed ? static_cast<std::uint64_t>(std::int64_t{static_cast<Signed>(value)})
                      : std::uint64_t{value};
   };
@@ -351,7 +352,9 @@ bool MultiplyExactly(double value, std::uint64_t power, std::uint64_t& product) 
   product = static_cast<std::uint64_t>(rounded);
   return rounded <= UINT64_MAX;
 #else
-  static_cast<void>(value), static_cast<void>(power), static_cast<void>(product);
+  static_cast<void>(value);
+  static_cast<void>(power);
+  static_cast<void>(product);
   return false;
 #endif
 }
