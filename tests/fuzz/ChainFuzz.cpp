@@ -73,16 +73,15 @@ std::string TakeChain(std::string_view& input) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+void Try(std::string_view input) {
   static const bool kIsReady = Prepare();
   Require(kIsReady);
-  std::string_view input(reinterpret_cast<const char*>(data), size);
   std::string chain = TakeChain(input);
   const std::string folder = "./" + TakeChain(input);
   const int call = FirstByte(input) % 3;
   const bool is_whole = call == 0, grows = call == 2;
   const std::size_t name = std::min(chain.find_first_not_of("/\\"), chain.size());
-  if (folder.size() > kLongestFolder || (grows && (chain.empty() || name != 0))) return 0;
+  if (folder.size() > kLongestFolder || (grows && (chain.empty() || name != 0))) return;
   if (is_whole && chain.substr(0, name).find('/') != std::string::npos) chain.insert(0, fs::current_path());
 
   const std::string parent = folder + (grows ? "/" : ""),
@@ -99,5 +98,4 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::set<std::string> by_hand = TakeNew();
   Require(code == int{is_made} && made == (is_made ? by_hand : std::set<std::string>()));
   Require(text.get() == (grows && (is_made || is_there) ? first : parent));
-  return 0;
 }

@@ -4,12 +4,10 @@
 #include "tests/FormatCase.h"
 #include "tests/fuzz/FuzzFile.h"
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  std::string_view input(reinterpret_cast<const char*>(data), size);
+void Try(std::string_view input) {
   const std::string format = TakeText(input);
   Choices choices(input);
   const std::string problem = FormatCase::Problem(format.c_str(), choices);
   std::cerr << problem;
   Require(problem.empty());
-  return 0;
 }

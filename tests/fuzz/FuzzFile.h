@@ -14,6 +14,14 @@
 
 #include "ConfigFileINI/ConfigFileINI.h"
 
+// One input, which each target tries in its own way.
+void Try(std::string_view input);
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  Try({reinterpret_cast<const char*>(data), size});
+  return 0;
+}
+
 constexpr char kFile[] = "x.ini";  // in the folder of this process
 
 // Ends the run with the input that led here.

@@ -1,8 +1,7 @@
 // Lookups in any file, under any signs: a value is a text of one line, and every listed key has one.
 #include "tests/fuzz/FuzzFile.h"
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  std::string_view input(reinterpret_cast<const char*>(data), size);
+void Try(std::string_view input) {
   const std::string signs = TakeText(input), section = TakeText(input), key = TakeText(input);
   SetUp(input);
   if (signs.size() == 5) SetConfigINISign(signs[0], signs[1], signs[2], signs[3], signs[4]);
@@ -18,5 +17,4 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   for (const std::string& name : List())
     for (const std::string& listed : name.empty() ? std::vector<std::string>() : List(&name))
       Require(listed.empty() || Value(name, listed) != "\n");
-  return 0;
 }

@@ -35,8 +35,7 @@ void CheckSplit(const std::string& path, unsigned unwanted) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  std::string_view input(reinterpret_cast<const char*>(data), size);
+void Try(std::string_view input) {
   const std::string path = TakeText(input), drive = TakeText(input), dir = TakeText(input),
                     name = TakeText(input), ext = TakeText(input);
   const auto choice = static_cast<unsigned>(FirstByte(input));
@@ -49,5 +48,4 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::unique_ptr<char[]> made = Block((drive + dir + name + ext).size() + 4);
   MakePath(made.get(), drive.c_str(), dir.c_str(), name.c_str(), ext.c_str());
   Require(made.get() == joined);
-  return 0;
 }

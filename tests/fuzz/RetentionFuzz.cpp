@@ -25,8 +25,7 @@ int DateFound(const LogHandleRec& handle, const std::string& entry) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  std::string_view input(reinterpret_cast<const char*>(data), size);
+void Try(std::string_view input) {
   const std::string base = TakeText(input).substr(0, 63), ext = TakeText(input).substr(0, 63),
                     entry = TakeText(input).substr(0, 255);
   LogHandleRec handle = null_log_handle_rec;
@@ -46,13 +45,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Require(DateFound(handle, name.get() + ext) == (number < 1000 ? static_cast<int>(date) : -1));
   }
 
-  if (entry.find('/') != std::string::npos) return 0;
+  if (entry.find('/') != std::string::npos) return;
   const int date = DateIn(entry, base, ext);
   Require(DateFound(handle, entry) == date);
   Folder();
-  if (!std::ofstream(entry)) return 0;
+  if (!std::ofstream(entry)) return;
   handle.log_time_span = 1;
   vintra::RemoveExpiredFiles(handle);
   Require(std::filesystem::remove(entry) || date != -1);
-  return 0;
 }
