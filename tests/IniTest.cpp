@@ -1,10 +1,5 @@
 // INI files: the syntax, lookups, rewriting, listings.
-#include <sys/resource.h>
-
-#include <csignal>
-
 #include "ConfigFileINI/ConfigFileINIInter.h"
-#include "ConfigFileINI/IniReader.h"
 #include "TestSupport.h"
 
 namespace {
@@ -32,11 +27,6 @@ class IniTest : public LogTest {
     cursor.file_name = file.c_str();
     return SetConfigFileKey(&cursor, section, "k", value);
   }
-  static std::string Get(const std::string& section, const std::string& key) {
-    sint8 value[vintra::kLineSize];
-    GetConfigFileString(section.c_str(), key.c_str(), "(none)", value, sizeof value, "x.ini");
-    return value;
-  }
   // A list of the names in "x.ini", of its sections or of a section's keys, with its NULs as '|'.
   static std::string List(sint32 size, const char* section = nullptr) {
     std::string list(30, '~');
@@ -47,70 +37,31 @@ class IniTest : public LogTest {
   }
 };
 
-TEST_F(IniTest, LinesAreReadTrimmedAndSplit) {
-  const std::string full(4096, 'x');
-  // clang-format off
-  const std::pair<std::string, std::string> files[] = {  // bytes, lines with their lengths
-      {"", ""}, {"a", "1a "}, {"a\n\nb\n", "1a 0 1b "}, {"a\r\nb", "1a 0 1b "}, {"a\0b\r"s, "1a 1b "}, {"a\fb\x1a\n", "2a\f 2b\x1a 0 "},
-      {full.substr(1) + "\nb", "4095" + full.substr(1) + " 1b "}, {full + "\nb", "4096" + full + " 0 1b "}, {full + "y\n", "4096" + full + " 1y "}};
-  const std::pair<const char*, const char*> kTrims[] = {
-      {"", ""}, {" \t", ""}, {" a b\t", "a b"}, {"\fa\r ", "\fa\r"}, {"\xA0 a", "\xA0 a"}};
-  const std::pair<const char*, const char*> kSplits[] = {  // line, code or key|value
-      {"key  =  value", "key|value"}, {"key=a=b", "key|a=b"}, {"key=", "key|"}, {"=value", "-4=value"}, {"key", "-5key"}, {"", "-1"}};
-  // clang-format on
-  for (const auto& [bytes, lines] : files) {
-    Content(bytes);
-    const vintra::FilePtr file(std::fopen("x.ini", "r")), folder(std::fopen(".", "r"));
-    std::string seen;
-    sint8 line[vintra::kLineSize] = "z";
-    EXPECT_EQ(FileGetLine(file.get(), line, -1), 0);
-    EXPECT_STREQ(line, "");
-    sint32 length = 0;
-    while ((length = FileGetLine(file.get(), line, 4096)) >= 0) seen += std::to_string(length) + line + " ";
-    EXPECT_EQ(Bars(length, FileGetLine(folder.get(), line, 7)), Bars(vintra::kEndOfFile, vintra::kReadError));
-    EXPECT_EQ(seen, lines);
-  }
-
-  sint8 text[16];
-  for (const auto& [before, after] : kTrims) {
-    vintra::CopyText(text, before);
-    EXPECT_STREQ(string_trim_right(string_trim_left(text)), after);
-  }
-  EXPECT_EQ(string_trim_right(string_trim_left(nullptr)), nullptr);
-  for (const auto& [line, expected] : kSplits) {
-    sint8 *key = text, *value = nullptr;
-    vintra::CopyText(text, line);
-    const sint32 code = SplitKeyValue(text, &key, &value);
-    EXPECT_EQ(code == 0 ? Bars(key, value) : std::to_string(code) + key, expected);
-  }
-}
-
 TEST_F(IniTest, Lookups) {
-  const std::string most(4092, 'x'), full = "k=" + most + "+\n";  // 4094 characters without the sign
+  const std::string most(4092, 'x'), full = "k=" + most + "+\n", comment = "[a]\n#" + most;
   // clang-format off
   const struct { std::string file, section, key, expected; } cases[] = {
-      {"[a]\nx=1\n[b]\ny=2\n", "b", "y", "2|3|4|1"}, {"[a]\nx=1\n[b]\ny=2\n", "a", "y", "-2|1|3|1"}, {"[a]\nx=1\n[b]\ny=2\n", "c", "y", "-1|0|0|0"},
-      {"[a]", "a", "y", "-2|1|0|0"}, {"[a]\ny=", "a", "y", "|1|2|1"},
-      {"  y=0\n\t[a] \n # y=1\n#y=2\n Y=3\n\ty  = 4 # 5 \n", "a", "y", "4 # 5|2|6|1"}, {"[a]\n[b]\ny=1", "a", "y", "-2|1|2|1"},
-      {"[a]\nk=abc+\n  def+\nghi \nz=1\n", "a", "k", "abcdefghi |1|2|3"}, {"[a]\nk=a +\n#b", "a", "k", "a #b|1|2|2"},
-      {"[a]\nk=a+\n[b]\nz=1", "a", "z", "1|1|4|1"}, {"[a]\nk=a+\n \nb=c", "a", "k", "a|1|2|2"}, {"[a]\nk=a+", "a", "k", "a|1|2|1"},
-      {"[a]\nk+\n=v", "a", "k", "v|1|2|2"}, {"[a]\nk=a+\r\nb=c\r\n", "a", "b", "c|1|4|1"}, {"[a]\nk=a+\nb+ \nc=1", "a", "k", "ab+ |1|2|2"},
-      {"[a]\njunk\nk=1", "a", "k", "-14|1|2|1"}, {"[a]\n=1\nk=1", "a", "k", "-14|1|2|1"}, {"[a]\nk=1\njunk", "a", "k", "1|1|2|1"},
-      {"[a]\n+\n\nk=1", "a", "k", "-14|1|2|2"}, {"[a]\nk+\n[b]=1", "a", "k[b]", "1|1|2|2"}, {"[oops\n[a]\nk=1", "a", "k", "-14|0|0|0"},
-      {"[a]\f\n[a]\nk=1", "a", "k", "-14|0|0|0"}, {"[\n[]\n[x\n[a]\nk=1", "a", "k", "1|4|5|1"}, {"[a]\n[oops\nk=1", "a", "k", "-2|1|2|1"},
-      {"[a]\nk=1\n[a]\nk=2", "a", "k", "1|1|2|1"}, {"[ a ]\nk=1", "a", "k", "-1|0|0|0"}, {"[ a ]\nk=1", " a ", "k", "1|1|2|1"},
-      {"[A]\nk=1", "a", "k", "-1|0|0|0"}, {"[a\0b]"s, "a", "k", "-1|0|0|0"}, {"[a]\n" + full + "yz", "a", "k", most + "yz|1|2|2"},
-      {"[a]\n" + full + "xyz", "a", "k", "-22|1|2|2"}};
+      {"[a]\nx=1\n[b]\ny=2", "b", "y", "2|3|4|1"}, {"[a]\nx=1\n[b]\ny=2", "a", "y", "-2|1|3|1"}, {"[a]", "b", "y", "-1|0|0|0"}, {"[a]\ny=", "a", "y", "|1|2|1"},
+      {"  y=0\n\t[a] \n # y=1\n#y=2\n Y=3\n yy=4\n\ty  = 4 = 5 \n", "a", "y", "4 = 5|2|7|1"}, {"[a]\n[b]\ny=1", "a", "y", "-2|1|2|1"},
+      {"[a]\nk=abc+\n  def+\nghi \nz=1\n", "a", "k", "abcdefghi |1|2|3"}, {"[a]\nk=a +\n#b", "a", "k", "a #b|1|2|2"}, {"[a]\nk=a+", "a", "k", "a|1|2|1"},
+      {"[a]\nk=a+\n[b]\nz=1", "a", "z", "1|1|4|1"}, {"[a]\nk=a+\n \nb=c", "a", "k", "a|1|2|2"}, {"[a]\nk+\n=v", "a", "k", "v|1|2|2"},
+      {"[a]\nk=a+\r\nb=c\r\n", "a", "b", "c|1|4|1"}, {"[a]\nk=a+\nb+ \nc=1", "a", "k", "ab+ |1|2|2"}, {"[a]\nk+\n[b]=1", "a", "k[b]", "1|1|2|2"},
+      {"[a]\njunk\nk=1", "a", "k", "-14|1|2|1"}, {"[a]\n=1\nk=1", "a", "k", "-14|1|2|1"}, {"[a]\n+\n\nk=1", "a", "k", "-14|1|2|2"},
+      {"[oops\n[a]\nk=1", "a", "k", "-14|0|0|0"}, {"[a]\f\n[a]\nk=1", "a", "k", "-14|0|0|0"}, {"[a]\n[oops\nk=1", "a", "k", "-2|1|2|1"},
+      {"[\n[]\n[x\n[a]\nk=1\njunk\n[a]\nk=2", "a", "k", "1|4|5|1"}, {"[ a ]\nk=1", " a ", "k", "1|1|2|1"}, {"[A]\n[a\0b]\n[aa]"s, "a", "k", "-1|0|0|0"},
+      {"[a]\rx=1\0y=2\fz=3\x1a\nw=4\r\n"s, "a", "y", "2\f|1|3|1"}, {"[a]\rx=1\0y=2\fz=3\x1a\nw=4\r\n"s, "a", "w", "4|1|6|1"},
+      {comment + "xx\nk=1", "a", "k", "1|1|3|1"}, {comment + "xxx\nk=1", "a", "k", "1|1|4|1"}, {comment + "xxxk=1", "a", "k", "1|1|3|1"},
+      {"[a]\n" + full + "yz", "a", "k", most + "yz|1|2|2"}, {"[a]\n" + full + "xyz", "a", "k", "-22|1|2|2"}};
   // clang-format on
   for (const auto& [file, section, key, expected] : cases) {
     Content(file);
     EXPECT_EQ(Lookup(section, key), expected) << file;
   }
   fs::remove("x.ini");
-  EXPECT_EQ(Lookup("a", "k"), "-10|0|0|0");
   fs::create_directory("x.ini");
   EXPECT_EQ(Lookup("a", "k"), "-12|0|0|0");
   EXPECT_EQ(GetConfigFileKey(nullptr, "a", "k", folder_.data()), vintra::kNullArgument);
+  EXPECT_EQ(string_trim_right(string_trim_left(nullptr)), nullptr);
 }
 
 TEST_F(IniTest, SignsAreReplaced) {
@@ -125,25 +76,22 @@ TEST_F(IniTest, SignsAreReplaced) {
   EXPECT_EQ(Lookup("net", "port"), "-1|0|0|0");
   NoteLineSign = 'p';
   EXPECT_EQ(Lookup("net", "port"), "-14|1|3|1");
-  sint8 left = 0, right = 0, split = 0, note = 0, connect = 0;
-  GetConfigINISign(&left, &right, &split, &note, &connect);
-  EXPECT_EQ((std::string{left, right, split, note, connect}), "<>:p&");
+  sint8 signs[6] = "";
+  GetConfigINISign(signs, signs + 1, signs + 2, signs + 3, signs + 4);
+  EXPECT_STREQ(signs, "<>:p&");
   SetConfigINISign(0, 0, 0, 0, 0);
   EXPECT_EQ(GetConfigINISign(nullptr, nullptr, nullptr, nullptr, nullptr), 0);
-  EXPECT_EQ(Get("a", "port"), "1");
+  EXPECT_EQ(Lookup("a", "port"), "1|6|7|1");
 }
 
 TEST_F(IniTest, ValuesAndDefaults) {
   Content("[a]\nk=abcdef\ne=\n");
   // clang-format off
   const std::tuple<const char*, const char*, const char*, uint32, const char*, uint32> texts[] = {  // section, key, fallback, size, text, length
-      {"a", "k", "none", 4, "abc", 3}, {"a", "k", "none", 6, "abcde", 5}, {"a", "k", "none", 7, "abcdef", 6}, {"a", "e", "none", 9, "", 0},
-      {"a", "x", "none", 3, "no", 2}, {"a", "x", nullptr, 9, "", 0}, {"a", "x", "", 9, "", 0}, {"a", "k", "none", 1, "", 0},
-      {"a", "k", "none", 0, "before", 0}, {"", "k", "none", 9, "before", 0}, {"a", "", "none", 9, "before", 0},
-      {nullptr, "k", "none", 9, "before", 0}, {"a", nullptr, "none", 9, "before", 0}};
+      {"a", "k", "none", 6, "abcde", 5}, {"a", "k", "none", 7, "abcdef", 6}, {"a", "e", "none", 9, "", 0}, {"a", "x", "none", 3, "no", 2},
+      {"a", "x", nullptr, 9, "", 0}, {"a", "k", "none", 0, "before", 0}, {nullptr, "k", "none", 9, "before", 0}, {"a", "", "none", 9, "before", 0}};
   const std::pair<const char*, uint32> numbers[] = {
-      {"42", 42}, {"42abc", 42}, {"abc", 0}, {"-5", 7}, {"+7", 7}, {"2147483647", 2147483647}, {"2147483648", 7}, {"4294967296", 0}, {"", 7},
-      {"10M", 10}, {"0x10", 0}, {"99999999999999999999", 7}};
+      {"42abc", 42}, {"abc", 0}, {"-5", 7}, {"+7", 7}, {"2147483648", 7}, {"4294967296", 0}, {"", 7}, {"0x10", 0}};
   // clang-format on
   for (const auto& [section, key, fallback, size, text, length] : texts) {
     sint8 buffer[16] = "before";
@@ -152,28 +100,23 @@ TEST_F(IniTest, ValuesAndDefaults) {
   }
   sint8 own[] = "default";
   EXPECT_EQ(GetConfigFileString("a", "x", own + 2, own, sizeof own, "x.ini"), 5);
-  EXPECT_STREQ(own, "fault");
-  for (const char* file : {"", static_cast<const char*>(nullptr)})
-    EXPECT_EQ(GetConfigFileString("a", "k", "", own, 8, file), 0);
+  EXPECT_EQ(GetConfigFileString("a", "k", "", own, 8, ""), 0);
   EXPECT_EQ(GetConfigFileString("a", "k", "", nullptr, 8, "x.ini"), 0);
+  EXPECT_STREQ(own, "fault");
   for (const auto& [text, number] : numbers) {
     Content("[a]\nk="s + text);
     EXPECT_EQ(GetConfigFileInt("a", "k", 7, "x.ini"), number) << text;
   }
-  Content("[]\n=1\n[a]\nk=1");
-  EXPECT_EQ(GetConfigFileInt("", "k", 7, "x.ini"), 7);
-  EXPECT_EQ(GetConfigFileInt("a", "", 7, "x.ini") + GetConfigFileInt("a", "k", 7, "y.ini"), 14);
+  EXPECT_EQ(GetConfigFileInt("", "k", 7, "x.ini") + GetConfigFileInt("a", "", 7, "x.ini"), 14);
 }
 
 TEST_F(IniTest, Lists) {
   // clang-format off
   const struct { const char *file, *section; sint32 size; const char* list; } cases[] = {  // null: the sections
-      {"[a]\nx=1\n[bb]", nullptr, 7, "5 a|bb||"}, {"[a]\nx=1\n[bb]", nullptr, 6, "2 a||"}, {"[a]\nx=1\n[bb]", nullptr, 4, "2 a||"},
-      {"[a]", nullptr, 3, "0 "}, {"[a]\n[]\n[b]", nullptr, 30, "5 a||b||"}, {"[a]\n[broken\n[b]", nullptr, 30, "2 a||"}, {"[", nullptr, 3, "1 ||"},
-      {"[a]\nk=+\n[x]\n#[y]\n[a]", nullptr, 30, "6 a|x|a||"}, {"x=1", nullptr, 30, "0 "}, {"[a]", nullptr, 0, "0 "},
+      {"[a]\nx=1\n[bb]", nullptr, 7, "5 a|bb||"}, {"[a]\nx=1\n[bb]", nullptr, 6, "2 a||"}, {"[a]", nullptr, 3, "0 "}, {"[", nullptr, 3, "1 ||"},
+      {"[a]\n[]\n[b]", nullptr, 30, "5 a||b||"}, {"[a]\n[broken\n[b]", nullptr, 30, "2 a||"}, {"[a]\nk=+\n[x]\n#[y]\n[a]", nullptr, 30, "6 a|x|a||"},
       {"[a]\nx=1\n# c\ny =2+\n3\n[b]\nz=1", "a", 30, "4 x|y||"}, {"[a]\nx=1\njunk\ny=2", "a", 30, "2 x||"}, {"[a]\nx=\nx=", "a", 30, "4 x|x||"},
-      {"[a]\nx=1\nyy=2", "a", 6, "2 x||"}, {"[a]\nx=1\nyy=2", "a", 7, "5 x|yy||"}, {"[a]\nx=1", "b", 30, "0 "}, {"[cc\n[a]\nx=1", "a", 30, "0 "},
-      {"[a]\n[b]\nx=1", "a", 30, "0 "}, {"[a]\nx=1", "", 30, "0 "}, {"[a]\nx=1", "a", 0, "0 "}};
+      {"[a]\nx=1\nyy=2", "a", 6, "2 x||"}, {"[a]\nx=1", "b", 30, "0 "}, {"[a]\nx=1", "", 30, "0 "}, {"[a]", nullptr, 0, "0 "}, {"[a]\nx=1", "a", 0, "0 "}};
   // clang-format on
   for (const auto& [file, section, size, list] : cases) {
     Content(file);
@@ -182,47 +125,37 @@ TEST_F(IniTest, Lists) {
   sint8* const list = folder_.data();
   EXPECT_EQ(GetConfigFileSections(nullptr, 9, "x.ini") + GetConfigFileKeys("a", nullptr, 9, "x.ini"), 0);
   EXPECT_EQ(GetConfigFileKeys(nullptr, list, 9, "x.ini") + GetConfigFileKeys("a", list, 9, ""), 0);
-  fs::remove("x.ini");
-  EXPECT_EQ(List(30) + List(30, "a"), "0 0 ");
 }
 
 TEST_F(IniTest, Rewriting) {
   const std::string full(4096, 'x'), comment = "#" + full.substr(1), blanks(4093, ' ');
   // clang-format off
-  const struct { std::string before, key, value, after; } cases[] = {  // in the section "a"; no after: refused
-      {"[a]\nk=abc+\ndef\nz=1\n", "k", "v", "[a]\nk=v\nz=1\n"}, {"[a]\nx=1\n", "new", "7", "[a]\nnew=7\nx=1\n"},
-      {"[a]\nk=1\n[a]\nk=2\n", "m", "5", "[a]\nm=5\nk=1\n[a]\nk=2\n"}, {"[b]\n k = 1\n [a] \n\tk =\t1", "k", "2", "[b]\n k = 1\n [a] \nk=2\n"},
-      {"[a]", "k", "v", "[a]\nk=v\n"}, {"[a]\r\nx=1\r\nk=1\r\n", "k", "2", "[a]\n\nx=1\n\nk=2\n\n"}, {"[a]\nx\0y=\f"s, "x", "1", ""},
-      {"[a]\nx=1\fy=\0z=\x1A"s, "y", "2", "[a]\nx=1\f\ny=2\nz=\x1A\n"}, {"[a]\nk=1+", "k", "2", "[a]\nk=2\n"},
-      {"[a]\nk=1+\n\n\nx=1", "k", "2", "[a]\nk=2\n\nx=1\n"}, {"", "k", "v", "\n[a]\nk=v\n"}, {"[b]\nk=1", "k", "v", "[b]\nk=1\n[a]\nk=v\n"},
-      {"[b]\r\n", "k", "v", "[b]\r\n\n[a]\nk=v\n"}, {"[b]\nx=1+ ", "k", "v", "[b]\nx=1+ \n\n[a]\nk=v\n"},
+  const struct { std::string before; const char* key; std::string value, after; } cases[] = {  // in the section "a"
+      {"[a]\nk=abc+\ndef\nz=1\n", "k", "v", "[a]\nk=v\nz=1\n"}, {"[a]\nk=1\n[a]\nk=2\n", "m l", "5", "[a]\nm l=5\nk=1\n[a]\nk=2\n"},
+      {"[b]\n k = 1\n [a] \n\tk =\t1", "k", "2", "[b]\n k = 1\n [a] \nk=2\n"}, {"[a]\r\nx=1\r\nk=1\r\n", "k", "2", "[a]\n\nx=1\n\nk=2\n\n"},
+      {"[a]\nx=1\fy=\0z=\x1A"s, "y", "2", "[a]\nx=1\f\ny=2\nz=\x1A\n"}, {"[a]\nk=1+", "k", "2", "[a]\nk=2\n"}, {"[a]\nk=1+\n\n\nx=1", "k", "2", "[a]\nk=2\n\nx=1\n"},
+      {"", "k", "v", "\n[a]\nk=v\n"}, {"[b]\r\n", "k", "v", "[b]\r\n\n[a]\nk=v\n"}, {"[b]\nx=1+ ", "k", "v", "[b]\nx=1+ \n\n[a]\nk=v\n"},
       // Lines of 4096 characters and more, before and behind the key, as the key, as the section.
       {comment + "\n[a]\nk=1\n" + full + "=\n" + comment, "k", "2", comment + "\n[a]\nk=2\n" + full + "=\n" + comment + "\n"},
-      {"[a]\n" + comment + "k=1\nz=1", "k", "2", "[a]\n" + comment + "k=2\nz=1\n"},
-      {"[a]\nk=" + full.substr(2) + "\nz=1", "k", "2", "[a]\nk=2\nz=1\n"}, {"[a]\nk=" + full.substr(2), "k", "2", "[a]\nk=2\n"},
-      {"[a]\nk=" + full + "=\nz=1", "k", "2", "[a]\nk=2\nxx=\nz=1\n"}, {"[a]" + blanks + "\nz=1", "k", "2", "[a]" + blanks + "\nk=2\nz=1\n"},
-      {"[a]" + blanks, "k", "2", "[a]" + blanks + "\nk=2\n"}, {"[a]" + blanks + "z=1", "k", "2", "[a]" + blanks + "\nk=2\nz=1\n"},
-      {"[a]\nk=" + full.substr(3) + "\f\nz=1", "k", "2", "[a]\nk=2\n\nz=1\n"},
-      // Lines that could not be read back as one, and the longest that can.
-      {"[a]\n", "k", full.substr(2), "[a]\nk=" + full.substr(2) + "\n"}, {"[a]\n", "k", full.substr(1), ""}, {"", "k", full.substr(1), ""},
-      {"[a]\njunk\n", "k", "v", ""}, {"[oops\n", "k", "v", ""}, {"[a]\nk=1\n", "k=", "v", ""}, {"[a]\n", "[", "v", ""}, {"[a]\n", "x]", "v", ""},
-      {"[a]\n", "#k", "v", ""}, {"", "k+", "v", ""}, {"[a]\n", " k", "v", ""}, {"[a]\n", "k\t", "v", ""}, {"[a]\n", "k\nl", "v", ""},
-      {"[a]\n", "k\rl", "v", ""}, {"[a]\n", "k\f", "v", ""}, {"[a]\n", "k\x1A", "v", ""}, {"[a]\n", "k l", "v", "[a]\nk l=v\n"}};
-  const struct { std::string section; const char *key, *value; BOOL code; } sections[] = {
-      {full.substr(2), "k", "v", 1}, {full.substr(1), "k", "v", 0}, {"", "k", "v", 0}, {"a", "", "v", 0}, {"a", "k", "", 0}, {"a", "k", nullptr, 0}};
+      {"[a]\n" + comment + "k=1\nz=1", "k", "2", "[a]\n" + comment + "k=2\nz=1\n"}, {"[a]\nk=" + full.substr(2), "k", "2", "[a]\nk=2\n"},
+      {"[a]\nk=" + full.substr(2) + "\nz=1", "k", "2", "[a]\nk=2\nz=1\n"}, {"[a]\nk=" + full + "=\nz=1", "k", "2", "[a]\nk=2\nxx=\nz=1\n"},
+      {"[a]" + blanks, "k", "2", "[a]" + blanks + "\nk=2\n"}, {"[a]" + blanks + "\nz=1", "k", "2", "[a]" + blanks + "\nk=2\nz=1\n"},
+      {"[a]\nk=" + full.substr(3) + "\f\nz=1", "k", "2", "[a]\nk=2\n\nz=1\n"}, {"[a]\n", "k", full.substr(2), "[a]\nk=" + full.substr(2) + "\n"}};
+  const std::tuple<std::string, const char*, std::string> refused[] = {  // section, key, value
+      {"a", "k", full.substr(1)}, {"c", "k", full.substr(1)}, {full.substr(1), "k", "v"}, {"", "k", "v"}, {"a", "", "v"}, {"a", "k", ""},
+      {"b", "k", "v"}, {"c", "k+", "v"}, {"a", "k=", "v"}, {"a", "[", "v"}, {"a", "x]", "v"}, {"a", "#k", "v"}, {"a", " k", "v"}, {"a", "k\t", "v"},
+      {"a", "k\nl", "v"}, {"a", "k\rl", "v"}, {"a", "k\f", "v"}, {"a", "k\x1A", "v"}};
   // clang-format on
   for (const auto& [before, key, value, after] : cases) {
     Content(before);
-    const BOOL code = after.empty() ? 0 : 1;
-    EXPECT_EQ(WriteConfigFileString("a", key.c_str(), value.c_str(), "x.ini"), code) << before;
-    EXPECT_EQ(Content(), code == 0 ? before : after);
-    EXPECT_TRUE(code == 0 || Get("a", key) == value) << before;
+    EXPECT_EQ(WriteConfigFileString("a", key, value.c_str(), "x.ini"), 1) << before;
+    EXPECT_EQ(Content(), after);
   }
-  for (const auto& [section, key, value, code] : sections) {
-    Content("");
-    EXPECT_EQ(WriteConfigFileString(section.c_str(), key, value, "x.ini"), code);
-    EXPECT_EQ(Content().size(), code == 0 ? 0 : 4102);
-  }
+  Content("[a]\nx=1\n[b]\njunk\n");
+  for (const auto& [section, key, value] : refused)
+    EXPECT_EQ(WriteConfigFileString(section.c_str(), key, value.c_str(), "x.ini"), 0) << section << key;
+  EXPECT_EQ(Content(), "[a]\nx=1\n[b]\njunk\n");
+  EXPECT_EQ(WriteConfigFileString(full.substr(2).c_str(), "k", "v", "x.ini"), 1) << "the longest section";
   EXPECT_EQ(WriteConfigFileString("a", "k", "v", "") + WriteConfigFileInt(nullptr, "k", 1, "x.ini"), 0);
   EXPECT_EQ(WriteConfigFileInt("a", "n", -5, "new.ini"), 1);
   EXPECT_EQ(ReadFile("new.ini"), "\n[a]\nn=-5\n");
@@ -231,17 +164,16 @@ TEST_F(IniTest, Rewriting) {
 }
 
 TEST_F(IniTest, ResolvedNames) {
-  const std::string deep = std::string(120, 'd') + "/", n131(131, 'n');
+  const std::string deep = std::string(120, 'd') + "/", n135(135, 'n');  // 256
   const std::string path259 = folder_ + deep + std::string(259 - folder_.size() - deep.size(), 'n');
   // clang-format off
   const std::pair<std::string, bool> kNames[] = {
-      {"a/b/c.ini", true}, {folder_ + "e/c.ini", true}, {"f/", false}, {".ini", false}, {"f/.ini", false}, {"g\\c.ini", true}, {"x", true},
-      {deep + n131 + ".ini", true}, {deep + n131 + "n.ini", true}, {"h/" + deep + n131 + ".ini", false}, {"x/y.ini", false}, {path259, true},
-      {path259 + "n", false}, {std::string(300, 'x'), false}};
+      {"a/b/c.ini", true}, {"f/", false}, {"f/.ini", false}, {"g\\c.ini", true}, {"x", true}, {"x/y.ini", false}, {std::string(300, 'x'), false},
+      {deep + n135 + "n", true}, {"h/" + deep + n135, false}, {path259, true}, {path259 + "n", false}};
   // clang-format on
   for (const auto& [path, is_good] : kNames) {
     EXPECT_EQ(WriteConfigFileInt("a", "k", 3, path.c_str()), is_good ? 1 : 0) << path;
-    EXPECT_EQ(GetConfigFileInt("a", "k", 7, path.c_str()), is_good ? 3 : 7) << path;
+    EXPECT_EQ((GetConfigFileInt("a", "k", 7, path.c_str()) == 3), is_good) << path;
   }
   EXPECT_FALSE(fs::exists("h")) << "a name that does not fit makes no folder";
   // The folder of the temporary file, up to 1008 characters.
@@ -250,55 +182,32 @@ TEST_F(IniTest, ResolvedNames) {
   EXPECT_EQ(ReadFile("t.ini"), "\n[a]\nk=2\n");
 }
 
-// Whatever fails on the way, the file is what it was, and what was written so far lies beside it.
-TEST_F(IniTest, FailedRewriteLeavesTheFile) {
+// Where the file changes or cannot be read any further the old one stays, and the copy beside it. The copy is
+// on the disk before it has the name, and a new name is as well.
+TEST_F(IniTest, RewritesKeepTheFileUntilTheCopyIsStored) {
   const std::string before = "[a]\nk=1\nz=1\n";
   Content(before);
   WriteFile("head.ini", "[a]\n");
-  // clang-format off
-  const std::tuple<const char*, const char*, sint32> cases[] = {  // failing call, what an open finds instead, code
-      {"fwrite", "", -13}, {"fopen2", "missing.ini", -10}, {"fopen2", ".", -12}, {"fopen2", "/dev/null", -12}, {"fopen2", "head.ini", -12},
-      {"fopen2", "[a]\nk=1\nz=1", -12}};
-  // clang-format on
-  const auto set = [](const char* section, const char* failing_call, const char* file = "") {
-    fake.NoteCalls(failing_call);
+  const auto set = [](const char* section, const char* file) {
+    fake.NoteCalls(*file == '\0' ? "" : "fopen2");
     fake.other_file = file;
     return Set("x.ini", "2", section);
   };
-  for (const auto& [failing_call, file, code] : cases) {
-    EXPECT_EQ(set("a", failing_call, file), code) << failing_call << file;
-    EXPECT_EQ(Content(), before) << failing_call << file;
+  for (const char* const file : {".", "/dev/null", "head.ini", "[a]\nk=1\nz=1"}) {  // what is read instead
+    EXPECT_EQ(set("a", file), vintra::kLineUnreadable) << file;
+    EXPECT_EQ(Content(), before) << file;
   }
-  EXPECT_EQ(std::distance(fs::directory_iterator("."), {}), 2 + static_cast<int>(std::size(cases)));
-  EXPECT_EQ(set("b", "fsync"), -13);
-  EXPECT_EQ(Content(), before) << "taken back";
-  EXPECT_EQ(set("a", "fsync2"), 0) << "the folder's: nothing is left to fail";
+  EXPECT_EQ(std::distance(fs::directory_iterator("."), {}), 2 + 4);
+  EXPECT_EQ(set("a", ""), 0);
   EXPECT_EQ(fake.calls,
             "fopen fclose mkostemp fdopen setvbuf fopen2 fwrite fwrite2 fwrite3 fwrite4 fflush fsync fclose2 "
             "rename open fsync2 close fclose3 ");
-  EXPECT_EQ(Content(), "[a]\nk=2\nz=1\n");
   EXPECT_EQ(fake.synced_size, 12) << "all of the copy";
   EXPECT_EQ(set("b", ""), 0);
   EXPECT_EQ(fake.calls, "fopen fclose open fstat pread write fsync close ");
   fs::remove("x.ini");
   EXPECT_EQ(set("b", ""), 0);
-  EXPECT_EQ(fake.calls, "fopen open fstat pread write fsync open2 fsync2 close close2 ")
-      << "the folder has a new name in it";
-
-  // A disk that takes no more: of a section at the end, and of a new file.
-  std::signal(SIGXFSZ, SIG_IGN);
-  rlimit limit{};
-  getrlimit(RLIMIT_FSIZE, &limit);
-  const rlimit small{15, limit.rlim_max};
-  setrlimit(RLIMIT_FSIZE, &small);
-  const sint32 appended = Set("x.ini", "v"), made = Set("y.ini", "a long value");
-  setrlimit(RLIMIT_FSIZE, &limit);
-  EXPECT_EQ(appended + made, -26);
-  EXPECT_EQ(Content() + ReadFile("y.ini"), "\n[b]\nk=2\n");
-
-  // There, but not for reading: it may have the section.
-  fs::create_symlink("loop.ini", "loop.ini");
-  EXPECT_EQ(Set("loop.ini", "v"), vintra::kFileUnreadable);
+  EXPECT_EQ(fake.calls, "fopen open fstat pread write fsync open2 fsync2 close close2 ");
 }
 
 }  // namespace
