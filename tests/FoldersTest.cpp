@@ -82,7 +82,7 @@ TEST_F(FoldersTest, MakesWhatIsMissingAndTakesBackWhatItMade) {
   // clang-format off
   const struct { std::string path; int code; std::string first = {}, made = {}; } cases[] = {
       {"logs/daily/", 1, "logs", "dangling file logs logs/daily old "}, {"logs\\\\a//b", 1, "logs", "dangling file logs logs/a logs/a/b old "},
-      {"\\a//b", 1, "\\a", "\\a \\a/b dangling file old "},
+      {"\\a//b", 1, "\\a", "\\a \\a/b dangling file old "}, {"\\\\", 1, "\\\\", "\\\\ dangling file old "},
       {"/" + folder_ + "a/b", 1, "a", "a a/b dangling file old "}, {below, 1, top, before + top + " " + below + " "},
       {name, 1, name, "dangling " + name + " file old "}, {"old", 1}, {"/", 1}, {"///", 1}, {"file", 1}, {below + "d", 0}, {name + "d", 0}, {"", 0},
       {"file/x", 0}, {"C:/logs", 0}, {"dangling", 0}, {"old/new/../../file/x", 0}, {"new/../file/x", 0}};
