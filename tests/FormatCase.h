@@ -3,17 +3,16 @@
 #define VINTRA_TESTS_FORMATCASE_H
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cfloat>
 #include <cmath>
+#include <cstdarg>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <limits>
-#include <memory>
 #include <random>
-#include <span>
 #include <sstream>
 #include <string>
 #include <string_view>
@@ -35,13 +34,8 @@ class Choices {
     bytes_.remove_prefix(bytes_.copy(reinterpret_cast<char*>(&bits), width));
     return bits;
   }
-  std::size_t Below(std::size_t limit) {
-    return static_cast<std::uint16_t>(Bits(2)) % static_cast<std::uint32_t>(limit);
-  }
-  template <typename Values>
-  auto Of(const Values& values) {
-    return values[Below(std::size(values))];
-  }
+  std::size_t Below(std::size_t limit) { return static_cast<std::uint16_t>(Bits(2)) % limit; }
+  auto Of(const auto& values) { return values[Below(std::size(values))]; }
 
  private:
   std::mt19937_64 random_;
@@ -54,122 +48,92 @@ class FormatCase {
   // What is wrong with the message of format and chosen arguments; empty when nothing is. Only where the host
   // is as usual does a common format have to be formatted.
   static std::string Problem(const char* format, Choices& choices, bool is_usual = true) {
-    const FormatCase format_case(format, choices, is_usual);
-    return format_case.arguments_.size() > kMost ? "" : format_case.Call(format_case.arguments_);
+    FormatCase one(format, choices, is_usual);
+    if (!one.ChooseArguments()) return "";
+    const auto& [first, second, third, fourth] = one.arguments_;
+    const auto compare = [&one](auto... values) { return one.Compare(one.format_, values...); };
+    return std::visit(compare, first, second, third, fourth);
   }
 
  private:
-  static constexpr std::size_t kMost = 4;
   // Signed and unsigned ones are passed in the same way.
   using Argument = std::variant<int, long, long long, double, const void*>;
 
   FormatCase(const char* format, Choices& choices, bool is_usual)
-      : format_(format), may_refuse_(!is_usual), variant_(choices.Bits(2) & 0xFFFF) {
-    Choose(choices);
-  }
+      : format_(format), from_(choices), may_refuse_(!is_usual) {}
 
-  // Chooses the arguments up to the first conversion that is not a common one.
-  void Choose(Choices& choices) {
+  // Up to the first conversion that is not a common one. Returns false where they are too many.
+  bool ChooseArguments() {
     const char* at = format_;
     const auto skip = [&at](const char* set) {
       const char* const begin = at;
-      at += std::strspn(at, set);
-      return std::string(begin, at);
+      return std::string(begin, at += std::strspn(at, set));
     };
-    while ((at = std::strchr(at, '%')) != nullptr && arguments_.size() <= kMost) {
-      ++at;
-      const std::string flags = skip("-0+"), width = skip("0123456789");
-      if (*at == '.') ++at;
-      const std::string precision = at[-1] == '.' ? "0" + skip("0123456789") : "-1", size = skip("hlzjt");
-      const long numbers[] = {std::strtol(width.c_str(), nullptr, 10),
-                              std::strtol(precision.c_str(), nullptr, 10)};
-      may_refuse_ |= std::max(numbers[0], numbers[1]) > 4000;
-      has_to_refuse_ |= std::max(numbers[0], numbers[1]) > 20000;
-      const bool is_plain = at[-1] == '%', has_number_flags = flags.find_first_of("0+") != std::string::npos;
-      if (std::string_view("diuxXo").find(*at) != std::string_view::npos &&
-          std::strstr("hh ll z j t", size.c_str()) != nullptr) {
-        arguments_.push_back(Sized(size, Integer(choices)));
-      } else if (*at == 'f' && (size.empty() || size == "l")) {
-        arguments_.emplace_back(Real(choices));
-        may_refuse_ |= !size.empty() || numbers[1] > 20;
-      } else if (*at == 's' && size.empty()) {
-        arguments_.emplace_back(Text(numbers[1], choices));
-        may_refuse_ |= has_number_flags || std::get<const void*>(arguments_.back()) == nullptr;
-      } else if (*at == 'c' && size.empty()) {
-        arguments_.emplace_back(static_cast<int>(choices.Bits(2)));
-        may_refuse_ |= has_number_flags || numbers[1] >= 0;
-        has_to_refuse_ |= static_cast<char>(std::get<int>(arguments_.back())) == '\0';
-      } else if (*at == 'p' && is_plain) {
-        arguments_.emplace_back(std::bit_cast<const void*>(static_cast<std::uintptr_t>(Integer(choices))));
-        may_refuse_ |= std::get<const void*>(arguments_.back()) == nullptr;
-      } else if (*at != '%' || !is_plain) {
-        has_to_refuse_ = true;
-        return;
-      }
-      ++at;
+    const auto number = [&skip] { return std::strtol(skip("0123456789").c_str(), nullptr, 10); };
+    for (std::size_t count = 0; (at = std::strchr(at, '%')) != nullptr; ++at) {
+      if (*++at == '%') continue;
+      if (count == arguments_.size()) return false;
+      Argument& argument = arguments_[count++];
+      const bool is_pointer = *at == 'p';
+      const bool has_number_flags = skip("-0+").find_first_of("0+") != std::string::npos;
+      const long width = number(), precision = *at == '.' ? (++at, number()) : -1;
+      const std::string size = skip("hlzjt"), letter(1, *at);
+      const bool is_number = letter == "f" || std::strpbrk(letter.c_str(), "diuxXo") != nullptr;
+      may_refuse_ |= std::max(width, precision) > 4000 || (letter == "f" && (size == "l" || precision > 20));
+      may_refuse_ |= (has_number_flags && !is_number) || (letter == "c" && precision >= 0);
+      has_to_refuse_ |= std::max(width, precision) > 20000;
+      if (letter == "f" && (size.empty() || size == "l"))
+        argument = Real();
+      else if (letter == "s" && size.empty())
+        argument = Text(precision);
+      else if (letter == "c" && size.empty())
+        argument = static_cast<unsigned char>(from_.Bits(1));
+      else if (is_pointer)
+        argument = std::bit_cast<const void*>(static_cast<std::uintptr_t>(Integer() | 1));
+      else if (is_number && letter != "f" && std::strstr("hh ll z j t", size.c_str()) != nullptr)
+        argument = Sized(size, Integer());
+      else
+        return has_to_refuse_ = true;
+      has_to_refuse_ |= letter == "c" && argument == Argument(0);
     }
+    return true;
   }
 
   static Argument Sized(const std::string& size, std::uint64_t integer) {
-    if (size == "l") return static_cast<long>(integer);
-    if (size == "ll") return static_cast<long long>(integer);
-    if (size == "j") return static_cast<std::intmax_t>(integer);
-    if (size == "z" || size == "t") return static_cast<std::ptrdiff_t>(integer);
-    return static_cast<int>(integer);
+    if (size.empty() || size[0] == 'h') return static_cast<int>(integer);
+    if (size == "ll" || size == "j") return static_cast<long long>(integer);
+    return static_cast<long>(integer);
   }
 
-  static std::uint64_t Integer(Choices& choices) {
-    std::uint64_t edge = choices.Below(2);
-    for (std::size_t digits = choices.Below(20); edge != 0 && digits > 0; --digits) edge *= 10;
-    if (edge == 0) edge = std::uint64_t{1} << choices.Below(64);
-    const std::uint64_t integer =
-        choices.Below(2) == 0 ? edge + choices.Below(3) - 1 : choices.Bits() >> choices.Below(64);
-    return choices.Below(2) == 0 ? 0 - integer : integer;
+  // About powers of two and ten, or of any size.
+  std::uint64_t Integer() {
+    const auto power = static_cast<std::uint64_t>(std::pow(10, from_.Below(20)));
+    const std::uint64_t values[] = {1ULL << from_.Below(64), power, from_.Bits() >> from_.Below(64)};
+    const std::uint64_t value = from_.Of(values) + from_.Below(3) - 1;
+    return from_.Below(2) == 0 ? 0 - value : value;
   }
 
-  static double Real(Choices& choices) {
-    using Limits = std::numeric_limits<double>;
-    static constexpr double kEdges[] = {
-        0, Limits::infinity(), Limits::quiet_NaN(), DBL_MAX, DBL_MIN, DBL_TRUE_MIN, 1e22, 0x1p53, 0x1p64};
-    const auto small = static_cast<double>((choices.Bits(3) & 0xFFFFFF) >> choices.Below(24));
-    const auto large = static_cast<double>(choices.Bits() >> choices.Below(64));
-    const auto power = static_cast<int>(choices.Below(64));
-    const double values[] = {std::bit_cast<double>(choices.Bits()),
-                             choices.Of(kEdges),
-                             std::pow(10, power - 30),
-                             large + 0.5,
-                             std::ldexp(large, 20 - 2 * power),
-                             std::ldexp(small, -power / 2),  // ties among them
-                             small / std::pow(10, power / 6),
-                             (small * 10 + 5) / std::pow(10, power / 6)};  // nearly ties
-    double value = choices.Of(values);
-    if (choices.Below(4) == 0) value = std::nextafter(value, choices.Below(2) == 0 ? 0 : Limits::infinity());
-    return choices.Below(3) == 0 ? -value : value;
+  // Any bits, edges, powers of ten, and ties of every length; or a neighbour.
+  double Real() {
+    constexpr double kEdges[] = {0, INFINITY, NAN, DBL_MAX, DBL_MIN, DBL_TRUE_MIN, 1e22, 0x1p53, 0x1p64};
+    const auto whole = static_cast<double>(from_.Bits() >> from_.Below(64));
+    const auto power = static_cast<int>(from_.Below(64));
+    const double values[] = {std::bit_cast<double>(from_.Bits()), from_.Of(kEdges), std::pow(10, power - 30),
+                             std::ldexp(whole, 20 - power), (whole * 10 + 5) / std::pow(10, power / 3)};
+    const double value = from_.Of(values), ends[] = {value, value, 0, INFINITY};
+    const double near = std::nextafter(value, from_.Of(ends));
+    return from_.Below(3) == 0 ? -near : near;
   }
 
-  const void* Text(long precision, Choices& choices) {
+  const void* Text(long precision) {
     static const std::string kLong(3000, 'L');
-    static const char* const kTexts[] = {nullptr,          "",      "a",          "disk full",
-                                         "h\xC3\xA9 \x7F", "100%d", kLong.c_str()};
-    if (precision <= 0 || precision > 40 || choices.Below(2) == 0) return choices.Of(kTexts);
-    const auto size = static_cast<std::size_t>(precision);  // and no NUL behind it
-    return std::memset(texts_.emplace_back(new char[size]).get(), 'u', size);
-  }
-
-  // Passes the arguments as the types that they have.
-  template <typename... Values>
-  std::string Call(std::span<const Argument> rest, Values... values) const {
-    if constexpr (sizeof...(Values) == kMost) {
-      return Compare(format_, values...);
-    } else {
-      const auto others = rest.subspan(rest.empty() ? 0 : 1);
-      return std::visit([&](auto value) { return Call(others, values..., value); },
-                        rest.empty() ? Argument(0) : rest.front());
-    }
+    const char* const texts[] = {"", "a", "disk full", "h\xC3\xA9 \x7F", "100%d", kLong.c_str()};
+    if (precision <= 0 || precision > 40 || from_.Below(2) == 0) return from_.Of(texts);
+    return texts_.emplace_back(precision, 'u').data();  // and no NUL behind it
   }
 
   // Formats into a block as large as the message and into another, with the same va_list.
-  std::string Compare(const char* format, ...) const {
+  std::string Compare(const char* format, ...) {
     static char expected[1 << 17];
     va_list args, expected_args;
     va_start(args, format);
@@ -177,41 +141,30 @@ class FormatCase {
     const int length = has_to_refuse_ ? 7 : std::vsnprintf(expected, sizeof expected, format, expected_args);
     va_end(expected_args);
     const std::size_t needed = static_cast<std::size_t>(length) + 1;
-    const std::size_t sizes[] = {1, length == 0 ? 1 : needed - 1, needed + 1, variant_ % needed + 1};
-    std::string problem;
-    for (const std::size_t size : {needed, sizes[variant_ / 2 % 4]})
-      if (problem.empty() && needed <= sizeof expected) problem = Attempt(size, length, expected, args);
-    va_end(args);
-    return problem;
-  }
-
-  std::string Attempt(std::size_t size, int length, const char* expected, va_list args) const {
-    const std::size_t guard = variant_ % 2 * 8;  // 0: a sanitizer sees what is written behind the block
-    const std::unique_ptr<char[]> block(new char[size + guard]);
-    std::memset(block.get(), '~', size + guard);
-    const int result = vintra::FormatCommon(block.get(), size, format_, args);
-    const std::size_t cut = std::min(size - 1, static_cast<std::size_t>(length));
-    const bool is_right = result == vintra::kNotCommon
-                              ? has_to_refuse_ || may_refuse_
-                              : !has_to_refuse_ && result == length && block[cut] == '\0' &&
-                                    std::memcmp(block.get(), expected, cut) == 0;
-    if (is_right && std::memcmp(block.get() + size, "~~~~~~~~", guard) == 0) return "";
+    const std::size_t others[] = {1, std::max<std::size_t>(needed, 2) - 1, needed + 1,
+                                  from_.Below(needed) + 1};
     std::ostringstream problem;
-    problem << "\"" << format_ << "\" of" << std::hexfloat;
-    for (const Argument& argument : arguments_)
-      std::visit([&problem](auto value) { problem << " " << value; }, argument);
-    problem << " in " << size << " bytes gives " << result << " <"
-            << std::string_view(block.get(), size + guard) << ">, not ";
-    if (has_to_refuse_) return problem.str() + "-1";
-    problem << length << " <" << std::string_view(expected, cut) << ">";
+    for (const std::size_t size : {needed, from_.Of(others)}) {
+      // Tildes behind the block tell what is written there, or else a sanitizer does.
+      std::vector<char> block(size + from_.Below(2) * 8, '~');
+      const int result = vintra::FormatCommon(block.data(), size, format, args);
+      const std::string_view text(block.data(), block.size()), cut(expected, std::min(size, needed) - 1);
+      const bool is_right = result == vintra::kNotCommon ? has_to_refuse_ || may_refuse_
+                                                         : !has_to_refuse_ && result == length &&
+                                                               text.starts_with(std::string(cut) + '\0');
+      if (is_right && text.find_first_not_of('~', size) == std::string_view::npos) continue;
+      problem << "\"" << format << "\" in " << size << " bytes gives " << result << " <" << text << ">, not ";
+      problem << (has_to_refuse_ ? "-1" : std::to_string(length) + " <" + expected + ">\n");
+    }
+    va_end(args);
     return problem.str();
   }
 
   const char* const format_;
+  Choices& from_;
   bool may_refuse_, has_to_refuse_ = false;
-  std::size_t variant_ = 0;  // of the block
-  std::vector<Argument> arguments_;
-  std::vector<std::unique_ptr<char[]>> texts_;
+  std::array<Argument, 4> arguments_{};
+  std::vector<std::vector<char>> texts_;
 };
 
 #endif
