@@ -79,9 +79,10 @@ void CloseLogFile(LogHandleRec& handle) {
 bool HandOverRecords(LogHandleRec& handle, const sint8* next_name, sint8* path) {
   const StreamLock lock(handle.file_out);
   if (WritePending(handle.file_out)) return true;
-  // Room may come back. Where something else is wrong the next file may do better, and closing this one
-  // reports.
-  if (errno != ENOSPC && errno != EDQUOT) return true;
+  // Room may come back. Where something else is wrong the next file may do better, and so it may when as much
+  // has been refused here as a file holds: closing this one then reports.
+  const bool may_get_room = errno == ENOSPC || errno == EDQUOT;
+  if (!may_get_room || handle.file_size / 2 > handle.max_file_size) return true;
   if (JoinPath({path, kPathSize}, handle.log_file_path, next_name, handle.log_file_ext)) {
     const FileDescriptor next(open(path, O_WRONLY | O_TRUNC | O_CLOEXEC));
     if (next && WritePending(handle.file_out)) return true;

@@ -29,7 +29,7 @@ void CloseLogFile(LogHandleRec& handle);
 
 // Writes what the current file still holds back, before it is left for the next one. Where the disk has no
 // room for it, room is made of the next file, which is to be emptied in any case. path is scratch of 260
-// bytes. Reports and returns false when there still is no room.
+// bytes. Reports and returns false when there still is no room, as long as that is worth waiting for.
 bool HandOverRecords(LogHandleRec& handle, const sint8* next_name, sint8* path);
 
 // Flushes the open file and notes how far. Reports and returns 7 on failure, with flush_size unchanged; what

@@ -18,10 +18,13 @@ std::size_t PendingSize(const FILE* stream) {
 }  // namespace
 
 bool WritePending(FILE* stream) {
+  if (PendingSize(stream) == 0) return true;
+  // A thread that was cancelled within a write would leave bytes pending that the system has taken.
+  pthread_testcancel();
+  const CancellationPause pause;
   while (const std::size_t size = PendingSize(stream)) {
     const ssize_t count = WriteSome(fileno(stream), {stream->_IO_write_base, size});
     if (count < 0) return false;
-    // At once: the next write may be where the thread is cancelled.
     const std::size_t rest = size - static_cast<std::size_t>(count);
     std::memmove(stream->_IO_write_base, stream->_IO_write_base + count, rest);
     stream->_IO_write_ptr = stream->_IO_write_base + rest;

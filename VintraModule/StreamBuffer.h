@@ -40,28 +40,31 @@ class StreamLock {
 
 // A stream's own buffer, where it can be reached: by the pointers that the C library's own putc_unlocked
 // works on where it is expanded in its caller. The stream is locked.
-//
-//   FindRoom      the place of the next size bytes, or null where there is no room for them
-//   TakeRoom      makes that many bytes there a part of the stream
-//   WritePending  hands all that the stream holds to the system. On failure the stream goes on holding what
-//                 the system has not taken, where fflush would drop it
-//   DropPending   takes back the last size bytes, or as many of them as the stream still holds
-//   MakeRoom      sees to it that no more than what comes next is lost when the stream cannot write that:
-//   hands
-//                 over what the stream holds where there is no room for size bytes more. False where it
-//                 cannot
 #if defined(__GLIBC__) && !defined(__UCLIBC__)  // which also calls itself the former
+
+// The place of the next size bytes, or null where there is no room for them.
 inline sint8* FindRoom(FILE* stream, std::size_t size) {
   // Below 0 where the stream has no buffer or ends it with each line.
   const std::ptrdiff_t room = stream->_IO_write_end - stream->_IO_write_ptr;
   return static_cast<std::ptrdiff_t>(size) <= room ? stream->_IO_write_ptr : nullptr;
 }
+
+// Makes size bytes in that place a part of the stream.
 inline void TakeRoom(FILE* stream, std::size_t size) { stream->_IO_write_ptr += size; }
+
+// Hands all that the stream holds to the system. On failure it goes on holding what the system has not taken,
+// where fflush would drop it.
 bool WritePending(FILE* stream);
+
+// Takes back the last size bytes, or as many of them as the stream still holds.
 void DropPending(FILE* stream, std::size_t size);
+
+// Hands over what the stream holds unless there is room for size bytes more: fwrite, when it cannot write,
+// would drop all of it. Returns false where the system does not take it.
 inline bool MakeRoom(FILE* stream, std::size_t size) {
   return FindRoom(stream, size) != nullptr || WritePending(stream);
 }
+
 #else
 inline sint8* FindRoom(FILE*, std::size_t) { return nullptr; }
 inline void TakeRoom(FILE*, std::size_t) {}

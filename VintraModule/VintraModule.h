@@ -21,7 +21,7 @@
  *    4  the log folder could not be made
  *    5  a log file could not be opened or emptied, its path exceeds 259 characters, or its size is unreadable
  *    7  writing or flushing the log file failed, as on a full disk: nothing of the record is in the file, or
- *       only its beginning. Those accepted before it are kept, and written when there is room again
+ *       only its beginning. Those accepted before are kept until they can be written, or the log is destroyed
  *    9  the library's folder joined with the folder of a relative name exceeds 259 characters; or an argument
  *       of LOG_MODULE_INIT, or what it has read, is invalid
  *   10  a header field of a record could not be formatted
@@ -247,7 +247,7 @@ VINTRA_API LogLevel LOG_LEVEL(LOGHANDLE log_handle);
 
 /* Flushes the handle's file to the system if anything was written since the last flush. Returns 0, also when
  * no file is open; 1 for a handle that is not live; 7 when the flush failed. What could not be written is
- * kept and tried again with a later record, but not by a second call, which returns 0. */
+ * kept for the next flush that file_flush_size calls for. A second call does not try again, and returns 0. */
 VINTRA_API sint32 LOG_MSG_FLUSH(LOGHANDLE log_handle);
 
 /*
@@ -309,8 +309,8 @@ VINTRA_API sint32 GetEncryptData(const sint8* sourceData, uint32 sourcelength, s
  * live or one without an open file; 2, also for text that cannot be encoded; 5 when the next file could not
  * be opened, after which the handle stays without a file; 7, 10, 12, after which the next record may well
  * succeed. Except for the beginning that a failure of writing or flushing (7) may leave, nothing of a refused
- * record is in the file. A log does not move on to its next file while it keeps records that there is no room
- * for; the next file's content, which moving on empties, goes first.
+ * record is in the file. A log that keeps records does not move on to its next file while the disk is full,
+ * until as much has been refused as a file may hold; the next file, which moving on empties, goes first.
  *
  * Each function has a second name, vintra_info for LOG_INFO and so on, for sources that use <syslog.h> or
  * another header that makes the first one a macro. A plain name that is a macro already is not declared.

@@ -156,38 +156,42 @@ inline std::size_t PutItem(std::span<const sint8> item, FILE* stream) {
   return 1;
 }
 
+// Counts bytes of a record. Saturates: a file of 4 GiB is full, not empty.
+inline void CountBytes(LogHandleRec& handle, std::size_t count) {
+  const std::uint64_t size = std::uint64_t{handle.file_size} + count;
+  handle.file_size = static_cast<uint32>(std::min<std::uint64_t>(size, UINT32_MAX));
+}
+
 // Writes one piece of a record as one item and counts it. Returns the number of items written. The stream is
 // locked.
 inline std::size_t WritePiece(LogHandleRec& handle, FILE* file_out, std::span<sint8> piece) {
   if (handle.log_encrypt == 1) vintra::Scramble(piece);
   const std::size_t items = PutItem(piece, file_out);
-  if (items == 1) {
-    // Saturates: a file of 4 GiB is full, not empty.
-    const std::uint64_t size = std::uint64_t{handle.file_size} + piece.size();
-    handle.file_size = static_cast<uint32>(std::min<std::uint64_t>(size, UINT32_MAX));
-  }
+  if (items == 1) CountBytes(handle, piece.size());
   return items;
 }
 
 // Writes header and message to file_out, counts them and flushes when enough bytes have gathered, or when a
 // roll has started the file: the unsigned difference to the kept flush_size is then huge, but not where
-// flush_size was 0 or the record is longer. A record that cannot be flushed is refused and taken back; those
-// before it, which were accepted, go on waiting. The stamp is the handle's. The lock is held.
+// flush_size was 0 or the record is longer. A record that cannot be flushed is refused and taken back, but
+// stays counted; those before it, which were accepted, go on waiting. The stamp is the handle's. The lock is
+// held.
 sint32 logMsgWriteFile(LogHandleRec* log_handle, FILE* file_out, LogLevel log_level, std::span<sint8> str) {
   if (!log_handle->stamp.is_valid) return vintra::kClockUnreadable;
   const vintra::StreamLock lock(file_out);
-  // The header comes to be in its place where it can: to copy what has just been put together in pieces makes
-  // a processor wait.
+  // The header comes to be in its place where there is room for all: to copy what has just been put together
+  // in pieces makes a processor wait.
   sint8 own_room[kHeaderSize];
-  sint8* header = vintra::FindRoom(file_out, kHeaderSize + str.size());
-  if (header == nullptr) {
-    if (!vintra::MakeRoom(file_out, kHeaderSize + str.size())) return vintra::ReportNotFlushed(*log_handle);
-    header = vintra::FindRoom(file_out, kHeaderSize);
-    if (header == nullptr) header = own_room;
-  }
+  sint8* const room = vintra::FindRoom(file_out, kHeaderSize + str.size());
+  sint8* const header = room != nullptr ? room : own_room;
   const sint8* const end = AppendHeader(header, *log_handle, log_level);
   if (end == nullptr) return vintra::kHeaderFailed;
   const std::span<sint8> header_text(header, end);
+  const std::size_t size = header_text.size() + str.size();
+  if (room == nullptr && !vintra::MakeRoom(file_out, size)) {
+    CountBytes(*log_handle, size);
+    return vintra::ReportNotFlushed(*log_handle);
+  }
 
   if (const std::size_t items = WritePiece(*log_handle, file_out, header_text); items != 1) {
     REPORT_ERROR("logMsgWriteFile fwrite failed(errorcode:%d).", static_cast<int>(items));
@@ -203,12 +207,12 @@ sint32 logMsgWriteFile(LogHandleRec* log_handle, FILE* file_out, LogLevel log_le
   const uint32 unflushed = log_handle->file_size - log_handle->flush_size;
   if (log_handle->file_flush_size > unflushed && !log_handle->first_flush_due) return vintra::kSuccess;
   const sint32 code = vintra::FlushLogFile(*log_handle);
-  if (code != 0) vintra::DropPending(file_out, header_text.size() + str.size());
+  if (code != 0) vintra::DropPending(file_out, size);
   return code;
 }
 
 // Leaves the current file for the next one, which is started empty. Does not where the current one holds
-// accepted records that the disk has no room for: it stays the current one, and the result is 7.
+// accepted records that are worth waiting for: it stays the current one, and the result is 7.
 sint32 MoveOn(LogHandleRec& handle, const sint8* name, sint8* path) {
   if (!vintra::HandOverRecords(handle, name, path)) return vintra::kWriteFailed;
   vintra::EndLogFile(handle);
@@ -311,8 +315,11 @@ sint32 LogMsg(LogHandleRec* log_handle, LogLevel log_level, std::span<sint8> msg
   const vintra::MutexLock lock(log_handle->Critical_Section);
   if (log_handle->file_out == nullptr) return vintra::kInvalidArgument;
   vintra::ReadClock(log_handle->stamp);
-  if (const sint32 code = log_handle->file_mode->rollover(log_handle, file_name, path); code != 0)
+  if (const sint32 code = log_handle->file_mode->rollover(log_handle, file_name, path); code != 0) {
+    // What a log refuses while it waits for room counts as well, so that it does not wait for ever.
+    if (code == vintra::kWriteFailed) CountBytes(*log_handle, 1 + msg.size());
     return code;
+  }
   return logMsgWriteFile(log_handle, log_handle->file_out, log_level, msg);
 }
 

@@ -168,7 +168,10 @@ class LogTest : public testing::Test {
     EXPECT_EQ(Start(settings), 0);
     return handle_;
   }
-  void Close() { LOG_MODULE_DESTORY(&handle_); }
+  void Close() {
+    LOG_MODULE_DESTORY(&handle_);
+    EXPECT_EQ(handle_, null_log_handle);
+  }
   // A record of size bytes in a log without directives.
   sint32 Write(std::size_t size) const { return LOG_INFO(handle_, "%s", std::string(size - 2, 'x').c_str()); }
   LogHandleRec& Record() const { return *vintra::LiveHandle(handle_); }

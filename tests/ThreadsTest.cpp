@@ -91,17 +91,28 @@ TEST_F(ThreadsTest, FilesAndFoldersServeManyThreads) {
   for (std::thread& thread : threads) thread.join();
 }
 
-TEST_F(ThreadsTest, CancelledThreadsLeaveTheHandleUsable) {
+TEST_F(ThreadsTest, CancelledThreadsLeaveTheHandleUsableAndNoRecordTwice) {
 #ifndef __SANITIZE_ADDRESS__  // which takes the unwinding of a cancelled thread for an overflow
-  Open({"", 0, 10});
-  for (int round = 0; round < 100; ++round) {
-    std::thread writer([this] {
-      while (LOG_INFO(handle_, "0123456789") == 0) PrintErrLog("w.src", 1, "x");
+  Open({"%N", 100, 500, "app.log", Log_Mode_Rollback});
+  int number = 0;
+  for (int round = 0; round < 200; ++round) {
+    std::thread writer([this, &number] {
+      while (LOG_INFO(handle_, "|%d|", ++number) == 0) {
+        if (number % 100 == 0) PrintErrLog("w.src", 1, "x");
+      }
     });
-    std::this_thread::sleep_for(std::chrono::microseconds(round * 5));
+    std::this_thread::sleep_for(std::chrono::microseconds(round * 3));
     pthread_cancel(writer.native_handle());
     writer.join();
-    ASSERT_EQ(LOG_INFO(handle_, "next"), 0);
+    ASSERT_EQ(LOG_INFO(handle_, "|%d|", ++number), 0);
+  }
+  Close();
+  std::set<std::string> seen;
+  for (const auto& entry : fs::directory_iterator(".")) {
+    if (!entry.path().filename().string().starts_with("app")) continue;
+    std::istringstream lines(ReadFile(entry.path()));
+    for (std::string line; std::getline(lines, line, '\n');)
+      EXPECT_TRUE(seen.insert(line.substr(0, line.rfind('|'))).second) << line;
   }
 #endif
 }

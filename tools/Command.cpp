@@ -83,7 +83,7 @@ const char* MeaningOf(sint32 code) {
     case 5:
       return "a file could not be opened";
     case 7:
-      return "writing failed, with which unflushed lines may be lost too";
+      return "writing failed, as on a full disk";
     case 9:
       return "the configuration is invalid";
     case 12:
