@@ -16,9 +16,10 @@ using ThreadsTest = LogTest;
 // is kept.
 TEST_F(ThreadsTest, RecordsAndReportsStayWholeInEveryMode) {
   constexpr uint32 kLimit = 100;
+  const int each = Rounds(800);
   std::multiset<std::string> expected;
-  for (int item = 0; item < 8 * 500; ++item)
-    expected.insert(std::to_string(item / 500) + " " + std::to_string(item % 500) + "\r");
+  for (int item = 0; item < 8 * each; ++item)
+    expected.insert(std::to_string(item / each) + " " + std::to_string(item % each) + "\r");
   std::mutex mutex;
   std::string records;
   std::size_t rolls = 0;
@@ -39,9 +40,9 @@ TEST_F(ThreadsTest, RecordsAndReportsStayWholeInEveryMode) {
       }
       std::thread threads[8];
       for (std::size_t id = 0; id < 8; ++id) {
-        threads[id] = std::thread([id, handle = handles[id % logs]] {
+        threads[id] = std::thread([id, each, handle = handles[id % logs]] {
           const std::string source = std::string(id * 8 + 1, 's') + ".c";
-          for (int number = 0; number < 500; ++number) {
+          for (int number = 0; number < each; ++number) {
             EXPECT_EQ(LOG_INFO(SourceInfo(handle, source.c_str(), number + 1), "|%zu %d", id, number), 0);
             EXPECT_EQ(number % 50 == 0 ? LOG_MSG_FLUSH(handle) : 0, 0);
             if (number % 10 == 0) std::fflush(nullptr);  // reaches the log's stream beside the handle
@@ -65,7 +66,7 @@ TEST_F(ThreadsTest, RecordsAndReportsStayWholeInEveryMode) {
       }
     }
   }
-  std::cout << 3 * 2 * 8 * 500 << " records in " << rolls << " files, each once and whole\n";
+  std::cout << 3 * 2 * 8 * each << " records in " << rolls << " files, each once and whole\n";
 }
 
 TEST_F(ThreadsTest, FilesAndFoldersServeManyThreads) {
