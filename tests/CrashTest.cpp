@@ -204,7 +204,7 @@ TEST_F(FullDiskTest, SizeLimit) {
 TEST_F(FullDiskTest, SmallFileSystem) {
   fs::create_directory("disk");
   const int status = InChild([this] {
-    if (unshare(CLONE_NEWNS) != 0 && unshare(CLONE_NEWNS | CLONE_NEWUSER) != 0) _exit(kNotPermitted);
+    if (unshare(CLONE_NEWNS) != 0) _exit(kNotPermitted);
     if (mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
         mount("none", "disk", "tmpfs", 0, "size=200k") != 0)
       _exit(kNotPermitted);

@@ -40,7 +40,7 @@ TEST_F(ThreadsTest, RecordsAndReportsStayWholeInEveryMode) {
       }
       std::thread threads[8];
       for (std::size_t id = 0; id < 8; ++id) {
-        threads[id] = std::thread([id, each, handle = handles[id % logs]] {
+        threads[id] = std::thread([id, each, handle = handles[logs == 1 ? 0 : id]] {
           const std::string source = std::string(id * 8 + 1, 's') + ".c";
           for (int number = 0; number < each; ++number) {
             EXPECT_EQ(LOG_INFO(SourceInfo(handle, source.c_str(), number + 1), "|%zu %d", id, number), 0);
