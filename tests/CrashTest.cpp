@@ -83,46 +83,45 @@ class CrashTest : public LogTest {
 TEST_F(CrashTest, KilledWritersLoseNothingThatWasFlushed) {
   std::minstd_rand random(7);
   int kills = 0, records = 0, all_torn = 0, most_lost = 0;
-  for (const uint32 flush : {0U, 4096U}) {
-    for (const uint32 mode : {1U, 2U, 3U}) {
-      for (const auto& entry : fs::directory_iterator(".")) fs::remove(entry);
-      const Settings settings{"%N", flush, 20000, "app.log", mode, 1000};
-      std::set<int> lost;
-      for (int round = 0, next = 1; round < Rounds(25); ++round, ++kills) {
-        fake.SetClock(kStart + std::time_t{86400} * (round / 5));
-        *last_ = next - 1;
-        EXPECT_EQ(InChild(
-                      [&] {
-                        Open(settings);
-                        for (int number = next; WriteText(handle_, number) == 0; ++number) *last_ = number;
-                      },
-                      static_cast<int>(random() % 6000)),
-                  -SIGKILL);
-        int torn = 0;
-        const std::vector<int> numbers = Numbers(torn);
-        all_torn += torn;
-        EXPECT_LE(torn, round + 1) << "one for a kill, at a line's begin the next time";
-        // The accepted ones are there in their order, but for what a threshold held back; in the simple mode
-        // those since the last emptying, which may be the last thing that happened.
-        const int unwritten = mode == Log_Mode_Simple ? last_->load() : 0;
-        const int written = numbers.empty() ? unwritten : numbers.back();
-        EXPECT_LE(written, *last_ + 1);
-        int missing = 0;
-        for (int number = std::max(written + 1, next); number <= *last_; ++number) {
-          missing += static_cast<int>(Text(number).size()) + 4;
-          lost.insert(number);
-        }
-        EXPECT_LE(missing, flush == 0 ? 0 : static_cast<int>(flush) + kLongest) << mode;
-        most_lost = std::max(most_lost, missing);
-        int expected = mode == Log_Mode_Simple && !numbers.empty() ? numbers.front() : 1;
-        for (const int number : numbers) {
-          while (lost.contains(expected)) ++expected;
-          ASSERT_EQ(number, expected++) << mode;
-        }
-        next = std::max<int>(written, *last_) + 1;
+  for (int history = 0; history < 6 * Rounds(1); ++history) {
+    const uint32 flush = history % 2 == 0 ? 0 : 4096, mode = 1 + static_cast<uint32>(history / 2 % 3);
+    for (const auto& entry : fs::directory_iterator(".")) fs::remove(entry);
+    const Settings settings{"%N", flush, 20000, "app.log", mode, 1000};
+    std::set<int> lost;
+    for (int round = 0, next = 1, old_torn = 0; round < 25; ++round, ++kills) {
+      fake.SetClock(kStart + std::time_t{86400} * (round / 5));
+      *last_ = next - 1;
+      EXPECT_EQ(InChild(
+                    [&] {
+                      Open(settings);
+                      for (int number = next; WriteText(handle_, number) == 0; ++number) *last_ = number;
+                    },
+                    static_cast<int>(random() % 6000)),
+                -SIGKILL);
+      int torn = 0;
+      const std::vector<int> numbers = Numbers(torn);
+      EXPECT_LE(torn, old_torn + 1) << "one for a kill, with a line of its own";
+      all_torn += std::max(torn - std::exchange(old_torn, torn), 0);
+      // The accepted ones are there in their order, but for what a threshold held back; in the simple mode
+      // those since the last emptying, which may be the last thing that happened.
+      const int unwritten = mode == Log_Mode_Simple ? last_->load() : 0;
+      const int written = numbers.empty() ? unwritten : numbers.back();
+      EXPECT_LE(written, *last_ + 1);
+      int missing = 0;
+      for (int number = std::max(written + 1, next); number <= *last_; ++number) {
+        missing += static_cast<int>(Text(number).size()) + 4;
+        lost.insert(number);
       }
-      records += *last_;
+      EXPECT_LE(missing, flush == 0 ? 0 : static_cast<int>(flush) + kLongest) << mode;
+      most_lost = std::max(most_lost, missing);
+      int expected = mode == Log_Mode_Simple && !numbers.empty() ? numbers.front() : 1;
+      for (const int number : numbers) {
+        while (lost.contains(expected)) ++expected;
+        ASSERT_EQ(number, expected++) << mode;
+      }
+      next = std::max<int>(written, *last_) + 1;
     }
+    records += *last_;
   }
   std::cout << kills << " kills, " << records << " records accepted, " << all_torn << " torn, at most "
             << most_lost << " bytes lost with a threshold of 4096\n";
