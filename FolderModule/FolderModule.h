@@ -113,9 +113,10 @@ VINTRA_API int FindPathByFileName(const char* path, const char* filename, char* 
 
 /*
  * Writes length bytes of msg into the file filename, opened with fopen's mode: "w" replaces what is there,
- * "a" adds to it. Returns 1 when all bytes were handed to the system, else 0: for a null argument and a
- * length below 0, before anything is opened; when the file cannot be opened; and when not all bytes could be
- * written, or length is 0, with the file then created or emptied as mode says.
+ * "a" adds to it. Returns 1 when all bytes were handed to the system, else 0: for a null argument, a mode of
+ * more than 62 characters and a length below 0, before anything is opened; when the file cannot be opened;
+ * and when not all bytes could be written, or length is 0, with the file then created or emptied as mode
+ * says.
  */
 VINTRA_API int CustomWriteFile(const char* filename, const char* mode, const char* msg, int length);
 

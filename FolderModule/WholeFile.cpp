@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr std::size_t kModeSize = 64;
+constexpr std::size_t kModeSize = 64;  // of the caller's mode, an 'e' and the terminator
 
 // Reads until the end of the file or until size bytes are there, and returns their number. When reading fails
 // that is what came before, and errno says why; otherwise errno stays as it was.

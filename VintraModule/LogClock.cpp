@@ -11,6 +11,7 @@ namespace vintra {
 
 namespace {
 
+// No clock shows it, and one less is still a number.
 constexpr std::time_t kNoSecond = -std::numeric_limits<std::time_t>::max();
 
 // tzset may be writing these in another thread. Whatever is seen of that only causes one more conversion.
