@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
 
 #include "Common/Handles.h"
@@ -106,6 +107,13 @@ sint32 CopyWithLine(FILE* from, FILE* to, const Place& place, const KeyLine& lin
   return PutKeyLine(to, line) ? lines.CopyRest() : sint32{kNotWritten};
 }
 
+// Brings a file to the disk, where its file system knows how to. Where it does not, that is no failure: the
+// file is stored as well as it can be.
+bool Sync(int descriptor) {
+  if (fsync(descriptor) == 0) return true;
+  return errno == EINVAL || errno == ENOSYS || errno == ENOTSUP || errno == EOPNOTSUPP;
+}
+
 // A file of another name that is to become the file at path.
 class TemporaryFile {
  public:
@@ -128,7 +136,7 @@ class TemporaryFile {
   // Closes the file once it is on the disk, and gives it the name at path. On failure that name's file is as
   // it was.
   bool MoveTo(const sint8* path) {
-    const bool is_stored = fflush(stream()) == 0 && fsync(fileno(stream())) == 0;
+    const bool is_stored = fflush(stream()) == 0 && Sync(fileno(stream()));
     return std::fclose(stream_.release()) == 0 && is_stored && std::rename(name_, path) == 0;
   }
 
@@ -200,7 +208,7 @@ sint32 AppendSection(const sint8* path, bool is_missing, std::string_view sectio
   *end++ = '\n';
   const std::string_view bytes(text, static_cast<std::size_t>(end - text));
 
-  if (file.WriteAll(bytes) != bytes.size() || fsync(file.get()) != 0) {
+  if (file.WriteAll(bytes) != bytes.size() || !Sync(file.get())) {
     // When this fails too there is nothing left to try, and the result is the same.
     [[maybe_unused]] const int taken_back = ftruncate(file.get(), before.st_size);
     return kNotWritten;

@@ -42,7 +42,7 @@ int MakeRest(const char* rest, const char* parent, std::size_t parent_length) {
 
 // Hands the paths of a walk to the caller, whose running total with them is `total`.
 int PackPaths(const vintra::PathList& found, int total, char* files, int length, int* realLen, int* count) {
-  if (found.is_incomplete()) return -1;
+  if (found.is_incomplete()) return 0;
   *count = static_cast<int>(std::min<std::size_t>(found.count(), INT_MAX));
   *realLen = total;
   const std::string_view bytes = found.bytes();

@@ -90,8 +90,7 @@ VINTRA_API int CreateChildDir(char* parent_dir, const char* subdir);
  * *realLen is a running total, to which the call adds the bytes that the paths take, NULs included, up to
  * INT_MAX; set it to 0 before each call. A caller who does not know the size calls with files null first, and
  * then with a buffer of *realLen bytes, with *realLen at 0 again; where the folder has grown meanwhile, that
- * gives -1 once more. A *count set to -1 before the call tells what -1 means: it stays -1 where there is no
- * list.
+ * gives -1 once more.
  *
  * A folder comes before what is in it; otherwise the order is the file system's. "." and ".." are left out,
  * and so are paths of more than 1023 characters with everything below them. A link is an entry like a file
@@ -102,10 +101,10 @@ VINTRA_API int CreateChildDir(char* parent_dir, const char* subdir);
  *
  * Returns
  *    1  files holds the paths
- *    0  path, filename, realLen or count is null, and nothing was written
+ *    0  path, filename, realLen or count is null, there is no memory, or a folder could not be read to its
+ *       end, as errno says: nothing was written
  *   -1  files is null, or *realLen or what the paths take exceeds length: *count and *realLen are set, and
- *       files is as it was; or there is no memory, or a folder could not be read to its end, as errno says,
- *       and nothing at all was written
+ *       files is as it was
  */
 VINTRA_API int TraversalFolder(const char* path, char* files, int length, int* realLen, int* count);
 VINTRA_API int FindPathByFileName(const char* path, const char* filename, char* files, int length,
@@ -116,23 +115,24 @@ VINTRA_API int FindPathByFileName(const char* path, const char* filename, char* 
  * "a" adds to it. Returns 1 when all bytes were handed to the system, else 0: for a null argument, a mode of
  * more than 62 characters and a length below 0, before anything is opened; when the file cannot be opened;
  * and when not all bytes could be written, or length is 0, with the file then created or emptied as mode
- * says.
+ * says. With a length of 0 msg may be null.
  */
 VINTRA_API int CustomWriteFile(const char* filename, const char* mode, const char* msg, int length);
 
 /*
  * Reads a whole file of up to length bytes into msg, which has length + 1 bytes, and puts a NUL behind them;
  * bytes of any value come through. *realLen receives their number. A caller who does not know the size calls
- * with a length of 0 and a buffer of one byte first: an empty file is then read, and any other gives its
- * size.
+ * with msg null first, and then with a buffer of *realLen + 1 bytes; where the file has grown meanwhile, that
+ * gives -1 once more.
  *
  * Returns
  *    1  read. Of a file that grows meanwhile, or does not tell its size, the first length bytes. When reading
  *       fails on the way, what came before: errno then says why, and is left alone otherwise.
- *    0  an argument is null, or the file is not there, cannot be opened, is a folder or does not tell its
- *       status: msg and *realLen are as they were
- *   -1  the file has more than length bytes: *realLen says how many, and INT_MAX where it has 2 GiB or more,
- *       which cannot be read with one call; msg is as it was
+ *    0  filename or realLen is null, or the file is not there, cannot be opened, is a folder or does not tell
+ *       its status: msg and *realLen are as they were
+ *   -1  msg is null, whatever length is, or the file has more than length bytes: *realLen says how many it has,
+ *       0 where it does not tell its size, and INT_MAX where it has 2 GiB or more, which cannot be read with
+ *       one call; msg is as it was
  */
 VINTRA_API int CustomReadFile(const char* filename, char* msg, int length, int* realLen);
 

@@ -33,7 +33,7 @@ std::size_t ReadUpTo(const vintra::FileDescriptor& file, char* bytes, std::size_
 }  // namespace
 
 int CustomWriteFile(const char* filename, const char* mode, const char* msg, int length) {
-  if (filename == nullptr || mode == nullptr || msg == nullptr || length < 0) return 0;
+  if (filename == nullptr || mode == nullptr || length < 0 || (msg == nullptr && length > 0)) return 0;
   const vintra::CancellationPause pause;
   // The 'e', which keeps the file from programs that another thread starts, stands where every mode may have
   // it.
@@ -41,19 +41,19 @@ int CustomWriteFile(const char* filename, const char* mode, const char* msg, int
   const int size = std::snprintf(own_mode, sizeof own_mode, "%.1se%s", mode, *mode == '\0' ? "" : mode + 1);
   if (size < 0 || static_cast<std::size_t>(size) >= sizeof own_mode) return 0;
   const vintra::FilePtr file(std::fopen(filename, own_mode));
-  if (!file) return 0;
+  if (!file || length == 0) return 0;
   // Without a buffer the write itself meets a full disk, and not the closing, which could not report it.
   static_cast<void>(setvbuf(file.get(), nullptr, _IONBF, 0));
   return std::fwrite(msg, static_cast<std::size_t>(length), 1, file.get()) == 1 ? 1 : 0;
 }
 
 int CustomReadFile(const char* filename, char* msg, int length, int* realLen) {
-  if (filename == nullptr || msg == nullptr || realLen == nullptr) return 0;
+  if (filename == nullptr || realLen == nullptr) return 0;
   const vintra::CancellationPause pause;
   const vintra::FileDescriptor file(open(filename, O_RDONLY | O_CLOEXEC));
   struct stat status {};
   if (!file || fstat(file.get(), &status) != 0 || S_ISDIR(status.st_mode)) return 0;
-  if (status.st_size > length) {
+  if (msg == nullptr || status.st_size > length) {
     *realLen = static_cast<int>(std::min<off_t>(status.st_size, INT_MAX));
     return -1;
   }

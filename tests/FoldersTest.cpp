@@ -178,7 +178,8 @@ TEST_F(FoldersTest, WholeFiles) {
     EXPECT_EQ(CustomWriteFile(file, mode, text.data(), length), code);
     EXPECT_EQ(ReadFile("f"), after) << length;
   }
-  EXPECT_EQ(CustomWriteFile("f", "w", nullptr, 1), 0);
+  EXPECT_EQ(CustomWriteFile("f", "w", nullptr, 1) + CustomWriteFile("made", "w", nullptr, 0), 0);
+  EXPECT_TRUE(fs::exists("made"));
   MakeFile("empty", 0);
   MakeFile("big", std::uintmax_t{1} << 31);
   for (const auto& [file, length, code, size, bytes] : reads) {
@@ -191,7 +192,9 @@ TEST_F(FoldersTest, WholeFiles) {
   }
   char bytes[9];
   int size = 77;
-  EXPECT_EQ(CustomReadFile("f", nullptr, 9, &size) + CustomReadFile("f", bytes, 9, nullptr), 0);
+  EXPECT_EQ(CustomReadFile("none", nullptr, 9, &size) + CustomReadFile("f", bytes, 9, nullptr), 0);
+  EXPECT_EQ(Bars(CustomReadFile("f", nullptr, 9, &size), size), "-1|5");
+  EXPECT_EQ(Bars(CustomReadFile("empty", nullptr, 9, &size), size), "-1|0");
 }
 
 }  // namespace

@@ -20,7 +20,7 @@ bool Fails(const std::string& kind) {
   const int number = ++fake.calls_of_kind[kind];
   const std::string word = number == 1 ? kind : kind + std::to_string(number);
   fake.calls += word + " ";
-  errno = EIO;
+  errno = fake.error;
   if (word == fake.failing_call) return fake.has_failed = true;
   return fake.has_failed && fake.fault != Fault::kOnce &&
          fake.failing_call.find_last_not_of("0123456789") + 1 == kind.size() &&

@@ -57,6 +57,7 @@ struct FakeSystem {
   std::string calls, failing_call, other_file;
   std::map<std::string, int> calls_of_kind;
   Fault fault = Fault::kOnce;
+  int error = EIO;  // of the call that fails
   bool has_failed = false;
   long synced_size = -1;  // of the first file that was synced
 
