@@ -3,6 +3,7 @@
 #define VINTRA_COMMON_HANDLES_H
 
 #include <dirent.h>
+#include <fcntl.h>
 #include <pthread.h>
 #include <unistd.h>
 
@@ -82,6 +83,14 @@ class FileDescriptor {
  private:
   int descriptor_;
 };
+
+// Moves a descriptor out of the places of the standard streams, which a host may have closed: what it goes on
+// writing to such a stream would otherwise land in the file. Returns a descriptor that holds nothing where
+// there is no other place.
+inline FileDescriptor AboveStandard(FileDescriptor file) {
+  if (!file || file.get() > STDERR_FILENO) return file;
+  return FileDescriptor(fcntl(file.get(), F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
+}
 
 // Puts off the cancellation of the calling thread. Opening and closing files are cancellation points, and a
 // thread that ended between the two would leave a handle without a file, or end within a destructor.

@@ -1,7 +1,9 @@
 #include "VintraModule/LogClock.h"
 
-#include <sys/timeb.h>
 #include <time.h>
+#if __has_include(<sys/timeb.h>)
+#include <sys/timeb.h>
+#endif
 
 #include <cstdint>
 #include <cstring>
@@ -11,7 +13,7 @@ namespace vintra {
 
 namespace {
 
-// No clock shows it, and one less is still a number.
+// Never a real time, so the first record converts. (Not the smallest value: a comparison subtracts 1.)
 constexpr std::time_t kNoSecond = -std::numeric_limits<std::time_t>::max();
 
 // tzset may be writing these in another thread. Whatever is seen of that only causes one more conversion.
@@ -53,9 +55,10 @@ void WriteMillisecond(Stamp& stamp, uint32 millisecond) {
   std::memcpy(stamp.text + 2 + stamp.length - sizeof text, text, sizeof text);
 }
 
-}  // namespace
-
-ClockReading ReadClock() {
+#if __has_include(<sys/timeb.h>)
+// The milliseconds come from one call and the second from a later one, which may stand on the other side of a
+// second's edge; the second is then the one that the milliseconds belong to.
+[[maybe_unused]] ClockReading ReadTwoClocks() {
   timeb fine{};
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
@@ -66,6 +69,24 @@ ClockReading ReadClock() {
   // turned.
   const bool at_edge = fine.time == second + 1 || fine.time == second - 1;
   return {second != static_cast<std::time_t>(-1), at_edge ? fine.time : second, fine.millitm};
+}
+#endif
+
+[[maybe_unused]] ClockReading ReadOneClock() {
+  timespec now{};
+  const bool is_read = clock_gettime(CLOCK_REALTIME, &now) == 0;
+  return {is_read, now.tv_sec, static_cast<uint32>(now.tv_nsec / 1000000)};
+}
+
+}  // namespace
+
+ClockReading ReadClock() {
+#if __has_include(<sys/timeb.h>)
+  // Where the C library has widened time_t, ftime goes on filling the record of before, which its header does
+  // not show any more.
+  if constexpr (sizeof(std::time_t) <= sizeof(long)) return ReadTwoClocks();
+#endif
+  return ReadOneClock();
 }
 
 bool ConvertToLocal(std::time_t second, std::tm& local) {

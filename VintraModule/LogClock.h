@@ -22,8 +22,7 @@ struct ClockReading {
   uint32 millisecond;
 };
 
-// Reads the clock. The milliseconds come from one call and the second from a later one, which may stand on
-// the other side of a second's edge; the second is then the one that the milliseconds belong to.
+// Reads the clock: seconds, and the milliseconds that belong to them.
 ClockReading ReadClock();
 
 // Converts to local time, by the time zone as it is now. Returns false for a second that has no date.

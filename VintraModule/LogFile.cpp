@@ -24,28 +24,36 @@ std::size_t StreamBufferSize(uint32 file_flush_size) {
   return std::max(kSmallestBuffer, std::min<std::size_t>(file_flush_size, kLargestThreshold) + kRecordRoom);
 }
 
-// A stream ignores a size without a buffer, so the handle lends it one, the same for all its files. Where
-// memory is short the stream's own buffer does.
-void LendBuffer(LogHandleRec& handle) {
+// A stream ignores a size without a buffer, so the handle lends it one, the same for all its files.
+void PrepareStream(LogHandleRec& handle) {
   const std::size_t size = StreamBufferSize(handle.file_flush_size);
   if (handle.stream_buffer == nullptr) handle.stream_buffer = static_cast<sint8*>(std::malloc(size));
-  if (handle.stream_buffer != nullptr) setvbuf(handle.file_out, handle.stream_buffer, _IOFBF, size);
+  handle.held = LendBuffer(handle.file_out, handle.stream_buffer, size);
 }
 
-// Empties in append mode, for which fopen has no mode of its own.
-FILE* OpenEmptied(const sint8* path) {
-  FileDescriptor file(open(path, O_WRONLY | O_TRUNC | O_CREAT | O_APPEND | O_CLOEXEC, 0666));
-  FILE* const stream = file ? fdopen(file.get(), "ab") : nullptr;
-  if (stream != nullptr) file.release();
+FILE* OpenByDescriptor(const sint8* path, int flags, const char* mode) {
+  constexpr int kAlways = O_CREAT | O_APPEND | O_CLOEXEC;
+  FileDescriptor file = AboveStandard(FileDescriptor(open(path, kAlways | flags, 0666)));
+  FILE* const stream = file ? fdopen(file.get(), mode) : nullptr;
+  if (stream != nullptr) static_cast<void>(file.release());
   return stream;
 }
 
+// fopen alone costs a system call less, but cannot choose the descriptor.
+FILE* OpenToAppend(const sint8* path) {
+  FILE* const stream = std::fopen(path, "ab+e");
+  if (stream == nullptr || fileno(stream) > STDERR_FILENO) return stream;
+  std::fclose(stream);
+  return OpenByDescriptor(path, O_RDWR, "ab+");
+}
+
 // Always in append mode: after a truncation by somebody else the next record stands at the new end and leaves
-// no hole.
+// no hole. fopen has no mode that also empties.
 bool OpenPath(LogHandleRec& handle, const sint8* path, OpenMode mode) {
-  handle.file_out = mode == OpenMode::kAppend ? std::fopen(path, "ab+e") : OpenEmptied(path);
+  handle.file_out =
+      mode == OpenMode::kAppend ? OpenToAppend(path) : OpenByDescriptor(path, O_WRONLY | O_TRUNC, "ab");
   if (handle.file_out == nullptr) return false;
-  LendBuffer(handle);
+  PrepareStream(handle);
   return true;
 }
 
@@ -78,14 +86,14 @@ void CloseLogFile(LogHandleRec& handle) {
 
 bool HandOverRecords(LogHandleRec& handle, const sint8* next_name, sint8* path) {
   const StreamLock lock(handle.file_out);
-  if (WritePending(handle.file_out)) return true;
+  if (WritePending(handle.file_out, handle.held)) return true;
   // Room may come back. Where something else is wrong the next file may do better, and so it may when as much
   // has been refused here as a file holds: closing this one then reports.
   const bool may_get_room = errno == ENOSPC || errno == EDQUOT;
   if (!may_get_room || handle.file_size / 2 > handle.max_file_size) return true;
   if (JoinPath({path, kPathSize}, handle.log_file_path, next_name, handle.log_file_ext)) {
     const FileDescriptor next(open(path, O_WRONLY | O_TRUNC | O_CLOEXEC));
-    if (next && WritePending(handle.file_out)) return true;
+    if (next && WritePending(handle.file_out, handle.held)) return true;
   }
   static_cast<void>(ReportNotFlushed(handle));
   return false;
@@ -98,7 +106,7 @@ sint32 ReportNotFlushed(const LogHandleRec& handle) {
 
 sint32 FlushLogFile(LogHandleRec& handle) {
   const StreamLock lock(handle.file_out);
-  if (!WritePending(handle.file_out)) return ReportNotFlushed(handle);
+  if (!WritePending(handle.file_out, handle.held)) return ReportNotFlushed(handle);
   handle.flush_size = handle.file_size;
   handle.first_flush_due = false;
   return kSuccess;

@@ -49,8 +49,9 @@ static_assert(kLabelSize >= kTagSize + kTextSize + kCopyBlock);
 
 }  // namespace vintra
 
-// Published names and their order stay as hosts and tools know them. Start-up fills the record before anybody
-// else knows it; from then on the groups below say who writes.
+// The fields up to log_encrypt keep their names and their order, since debuggers and scripts read them in the
+// memory of a process or in its core. Start-up fills the record before anybody else knows it; from then on
+// the groups below say who writes.
 struct LogHandleRec {
   // Start-up only; instance_effective also by the destruction.
   uint32 instance_effective;  // kLiveMark while the handle is live
@@ -97,15 +98,18 @@ struct LogHandleRec {
   sint8 log_module_name[VINTRA_TEXT_SIZE];
   uint32 log_encrypt;
 
-  // Behind the published fields. Start-up only.
+  // The library's own, free to change. Start-up only.
   vintra::LineLabel labels[Log_Level_Disable];  // of level 1, 2 and so on, the last one for a word that is no
                                                 // level; those below log_level stay empty
   const vintra::FileMode* file_mode;            // null: the handle opens no file
 
   // Under Critical_Section.
-  vintra::Stamp stamp;   // one for a record: what decides its file is also what it is stamped with
-  sint8* stream_buffer;  // lent to file_out; null where the stream has its own
-  bool first_flush_due;  // a roll has started the file, and nothing of it has been flushed yet
+  vintra::Stamp stamp;      // one for a record: what decides its file is also what it is stamped with
+  sint8* stream_buffer;     // lent to file_out; null where there was no memory for it
+  sint8* held;              // what LendBuffer has returned for file_out
+  std::time_t futile_pass;  // the quarter of an hour of a retention pass that did not make the room that the
+                            // log waits for; 0: it does not wait
+  bool first_flush_due;     // a roll has started the file, and nothing of it has been flushed yet
 };
 
 // All zero. Start-up copies it, so that every field it does not set is 0 or empty.

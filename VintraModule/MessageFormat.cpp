@@ -1,3 +1,7 @@
+// A fortified vsnprintf ends the process at "%n" in a format that can be written to, as the formats of other
+// languages are, and at "%2$d" without "%1$d". The library never ends its host, and the plain one takes both.
+#undef _FORTIFY_SOURCE
+
 #include "VintraModule/MessageFormat.h"
 
 #include <langinfo.h>
@@ -10,6 +14,7 @@
 #include <climits>
 #include <cmath>
 #include <cstdint>
+#include <cstdio>
 #include <cstring>
 #include <iterator>
 #include <limits>
@@ -204,8 +209,8 @@ sint8* WriteDecimal(sint8* at, std::uint64_t number) {
     }
     return pairs;
   }();
-  const auto write_pair = [&at](std::uint64_t pair) { std::memcpy(at -= 2, &kPairs[2 * pair], 2); };
-  for (; number > UINT32_MAX; number /= 100) write_pair(number % 100);
+  const auto write_pair = [&at](std::uint32_t pair) { std::memcpy(at -= 2, &kPairs[2 * pair], 2); };
+  for (; number > UINT32_MAX; number /= 100) write_pair(static_cast<std::uint32_t>(number % 100));
   auto rest = static_cast<std::uint32_t>(number);  // whose divisions cost half
   for (; rest >= 100; rest /= 100) write_pair(rest % 100);
   if (rest >= 10) {
@@ -457,6 +462,14 @@ int FormatCommon(sint8* text, std::size_t size, const sint8* format, va_list arg
   va_end(values.list);
   const std::size_t length = message.End();
   return is_common && length <= INT_MAX ? static_cast<int>(length) : kNotCommon;
+}
+
+int FormatAny(sint8* text, std::size_t size, const sint8* format, va_list args) {
+  va_list attempt;
+  va_copy(attempt, args);
+  const int length = std::vsnprintf(text, size, format, attempt);
+  va_end(attempt);
+  return length;
 }
 
 }  // namespace vintra

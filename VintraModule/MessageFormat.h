@@ -27,6 +27,10 @@ constexpr int kNotCommon = -1;
 int FormatCommon(sint8* text, std::size_t size, const sint8* format, va_list args)
     __attribute__((format(printf, 3, 0)));
 
+// vsnprintf itself, for everything else. args is not used up.
+int FormatAny(sint8* text, std::size_t size, const sint8* format, va_list args)
+    __attribute__((format(printf, 3, 0)));
+
 }  // namespace vintra
 
 #endif

@@ -1,9 +1,8 @@
 #include "VintraModule/Retention.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <cstdint>
+#include <cstdio>
 #include <memory>
 #include <optional>
 
@@ -24,9 +23,16 @@ std::optional<std::tm> LocalNow() {
   return local;
 }
 
-// Days on the calendar, each of 24 hours.
-std::int64_t CalendarDays(std::tm later, std::tm earlier) {
-  return (std::int64_t{timegm(&later)} - std::int64_t{timegm(&earlier)}) / kSecondsOfDay;
+// The day's number on the calendar, from a year that makes all of them positive. Without time_t, which ends
+// in 2038 where it has 32 bits: a file of a later day would count as expired. The 31st of a shorter month is
+// a day of the next one.
+std::int64_t CalendarDay(const std::tm& day) {
+  // In a year that begins with March the leap day comes last, and the months are as long as 153 days for
+  // five.
+  const std::int64_t months = (std::int64_t{day.tm_year} + 1900 + 400) * 12 + day.tm_mon - 2;
+  const std::int64_t year = months / 12;
+  const std::int64_t month = months % 12;
+  return 365 * year + year / 4 - year / 100 + year / 400 + (153 * month + 2) / 5 + day.tm_mday;
 }
 
 }  // namespace
@@ -44,13 +50,13 @@ sint32 DeleteLogFile(FileList* list_head, uint32 RentDate, const LogHandleRec* l
     if (!now) return vintra::kClockUnreadable;
     // Where winter time is the exception to the standard, the first second of a winter day lies an hour back
     // in the day before, and late in the evening today's files would count as yesterday's.
-    const std::int64_t age = std::min<std::int64_t>(GetDiffDay(*now, *day), CalendarDays(*now, *day));
+    const std::int64_t calendar_age = CalendarDay(*now) - CalendarDay(*day);
+    const std::int64_t age = std::min<std::int64_t>(GetDiffDay(*now, *day), calendar_age);
     if (age < RentDate) continue;
 
     sint8 path[vintra::kPathSize];
     if (!vintra::JoinPath(path, log_handle->log_file_path, entry->file_name, "")) continue;
-    // Takes no folder, whatever its name: those are not the log's.
-    if (unlink(path) != 0) return kNotRemoved;
+    if (std::remove(path) != 0) return kNotRemoved;
   }
   return vintra::kSuccess;
 }

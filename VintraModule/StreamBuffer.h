@@ -38,9 +38,25 @@ class StreamLock {
   FILE* const stream_;
 };
 
-// A stream's own buffer, where it can be reached: by the pointers that the C library's own putc_unlocked
-// works on where it is expanded in its caller. The stream is locked.
-#if defined(__GLIBC__) && !defined(__UCLIBC__)  // which also calls itself the former
+// Lends a stream that was just opened a buffer of at least 64 bytes, which has to outlive it, or null where
+// there is no memory. Returns what the functions below need to know as `held`.
+sint8* LendBuffer(FILE* stream, sint8* buffer, std::size_t size);
+
+// Hands all that the stream holds to the system. On failure it goes on holding what the system has not taken,
+// where fflush would drop it. Here and below the stream is locked.
+bool WritePending(FILE* stream, sint8* held);
+
+// Takes back the last size bytes, or as many of them as the stream still holds.
+void DropPending(FILE* stream, sint8* held, std::size_t size);
+
+// Hands over what the stream holds unless there is room for size bytes more: fwrite, when it cannot write,
+// would drop all of it. Returns false where the system does not take it.
+bool MakeRoom(FILE* stream, sint8* held, std::size_t size);
+
+// A stream's own pointers, where they can be reached: those that the C library's own putc_unlocked works on
+// where it is expanded in its caller. VINTRA_ANY_C_LIBRARY does without them also there.
+#if defined(__GLIBC__) && !defined(__UCLIBC__) && !defined(VINTRA_ANY_C_LIBRARY)  // uClibc claims to be glibc
+#define VINTRA_STREAM_POINTERS 1
 
 // The place of the next size bytes, or null where there is no room for them.
 inline sint8* FindRoom(FILE* stream, std::size_t size) {
@@ -52,25 +68,10 @@ inline sint8* FindRoom(FILE* stream, std::size_t size) {
 // Makes size bytes in that place a part of the stream.
 inline void TakeRoom(FILE* stream, std::size_t size) { stream->_IO_write_ptr += size; }
 
-// Hands all that the stream holds to the system. On failure it goes on holding what the system has not taken,
-// where fflush would drop it.
-bool WritePending(FILE* stream);
-
-// Takes back the last size bytes, or as many of them as the stream still holds.
-void DropPending(FILE* stream, std::size_t size);
-
-// Hands over what the stream holds unless there is room for size bytes more: fwrite, when it cannot write,
-// would drop all of it. Returns false where the system does not take it.
-inline bool MakeRoom(FILE* stream, std::size_t size) {
-  return FindRoom(stream, size) != nullptr || WritePending(stream);
-}
-
 #else
+#define VINTRA_STREAM_POINTERS 0
 inline sint8* FindRoom(FILE*, std::size_t) { return nullptr; }
 inline void TakeRoom(FILE*, std::size_t) {}
-inline bool WritePending(FILE* stream) { return std::fflush(stream) == 0; }
-inline void DropPending(FILE*, std::size_t) {}
-inline bool MakeRoom(FILE*, std::size_t) { return true; }
 #endif
 
 }  // namespace vintra

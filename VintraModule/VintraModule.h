@@ -47,7 +47,8 @@
  * for signal handlers, nor for the constructors of a library that dlopen is loading.
  *
  * Files are opened close-on-exec and in append mode, so that another program may truncate or append to one.
- * Sizes are 32-bit: a log file is meant to stay below 2 GiB.
+ * They never get the descriptors 0, 1 and 2, also where the host has closed these. Sizes are 32-bit: a log file
+ * is meant to stay below 2 GiB.
  */
 #ifndef VINTRA_VINTRAMODULE_VINTRAMODULE_H
 #define VINTRA_VINTRAMODULE_VINTRAMODULE_H
@@ -98,9 +99,10 @@ typedef enum LogLevel VINTRA_ENUM_BASE {
  * log_time_span days back or more, at start-up and whenever it moves on to another file. With 7 the files of
  * today and of the six days before stay. A file is the log's when its name is the base name, a character,
  * eight digits, four characters and the extension: a number of four digits is not matched, and another log of
- * the same name is. In the first hour or two of a day in summer time ages count one day less. Records through
- * the handle wait for the pass. It ends, without a report, at a file that cannot be removed, and at a folder
- * with such a name, which it never removes; the next pass tries again. In the folder "/" nothing is matched.
+ * the same name is; so is a folder with such a name, which goes if it is empty. In the first hour or two of a
+ * day in summer time ages count one day less. Records through the handle wait for the pass. It ends, without a
+ * report, at what cannot be removed, such as a folder that is not empty; the next pass tries again. A log that
+ * cannot move on for want of room repeats it every quarter of an hour. In the folder "/" nothing is matched.
  *
  * Without a usable clock the date mode neither starts up nor writes a record, and keeps its file: 12.
  */
@@ -121,8 +123,8 @@ typedef struct LogConfigRec {
   sint8 log_file_name[VINTRA_PATH_SIZE];
   LogMode log_mode;
   LogLevel log_level; /* the threshold, fixed for the handle's life */
-  /* Size limit of a log file in bytes, 1 to 2147483647. A record is always written whole, so a file may end
-   * one record above its limit. */
+  /* Size limit of a log file in bytes, at least 1. What is above 2147483647 means 2147483647, so that UINT32_MAX
+   * is as good as no limit. A record is always written whole, so a file may end one record above its limit. */
   uint32 max_file_size;
   uint32 max_backup_index; /* files of a ring or day, 0 for no end; the simple mode does not use it */
   /* Flush when this many bytes are unflushed. 0 flushes after every record, which is then safe from the death
@@ -193,8 +195,8 @@ extern "C" {
  *
  * Returns
  *   0  *a_log_handle holds a live handle, to be destroyed with LOG_MODULE_DESTORY
- *   1  a null argument, a max_file_size of 0 or above 2147483647, an empty log_file_name or base name, a base
- *      name or extension of more than 63 characters, a level outside 1 to 9, or a mode outside 1 to 3
+ *   1  a null argument, a max_file_size of 0, an empty log_file_name or base name, a base name or extension of
+ *      more than 63 characters, a level outside 1 to 9, or a mode outside 1 to 3
  *   2, 4, 5, 9  as listed at the top
  *   12  the date mode has no usable clock
  * After any but 0 no handle exists, and *a_log_handle is as it was.
@@ -213,7 +215,7 @@ VINTRA_API sint32 LOG_MODULE_INIT_New_Ex(const LogConfigRecEx* a_log_config, LOG
  *   file_name         log_file_name, up to 259 characters                default.log
  *   level             a name of LogLevel, as Log_Level_Info              Log_Level_Disable
  *   mode              a name of LogMode, as Log_Mode_Date                Log_Mode_Simple
- *   max_file_size     bytes                                              20971520 (20 MiB)
+ *   max_file_size     bytes, up to 2147483647                            20971520 (20 MiB)
  *   max_backup_index  files of a ring or day                             20
  *   flush_size        file_flush_size, bytes                             0
  *   format            log_format                                         %D%T%E%N

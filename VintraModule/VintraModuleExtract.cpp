@@ -181,10 +181,6 @@ void HandleCloser::operator()(LogHandleRec* handle) const {
 sint32 LogModuleInitExtract(const LogConfigRecEx* a_log_config, LOGHANDLE* a_log_handle) {
   if (a_log_config == nullptr || a_log_handle == nullptr || !IsValid(*a_log_config))
     return vintra::kInvalidArgument;
-  if (a_log_config->max_file_size > INT32_MAX) {
-    REPORT_ERROR("LOG_MODULE_INIT_Ex max_file_size(%u) is above %d.", a_log_config->max_file_size, INT32_MAX);
-    return vintra::kInvalidArgument;
-  }
 
   const vintra::CancellationPause pause;
   HandlePtr handle(new (std::nothrow) LogHandleRec(null_log_handle_rec));
@@ -196,7 +192,7 @@ sint32 LogModuleInitExtract(const LogConfigRecEx* a_log_config, LOGHANDLE* a_log
     return code;
   handle->log_mode = a_log_config->log_mode;
   handle->log_level = a_log_config->log_level;
-  handle->max_file_size = a_log_config->max_file_size;
+  handle->max_file_size = std::min<uint32>(a_log_config->max_file_size, INT32_MAX);
   handle->file_flush_size = a_log_config->file_flush_size;
   handle->log_encrypt = a_log_config->log_encrypt;
   CopyModuleName(*a_log_config, *handle);

@@ -1,7 +1,6 @@
 #include "VintraModule/VintraModuleInter.h"
 
 #include <algorithm>
-#include <atomic>
 #include <cerrno>
 #include <charconv>
 #include <climits>
@@ -65,17 +64,13 @@ class HostErrno {
   const int value_ = errno;
 };
 
-// vsnprintf, which leaves args as it was and knows the host's errno for "%m".
+// FormatAny, which knows the host's errno for "%m".
 int Print(const HostErrno& host_errno, sint8* text, std::size_t size, const sint8* format, va_list args)
     __attribute__((format(printf, 4, 0)));
 
 int Print(const HostErrno& host_errno, sint8* text, std::size_t size, const sint8* format, va_list args) {
-  va_list attempt;
-  va_copy(attempt, args);
   host_errno.Restore();
-  const int length = std::vsnprintf(text, size, format, attempt);
-  va_end(attempt);
-  return length;
+  return vintra::FormatAny(text, size, format, args);
 }
 
 // Formats a message that FormatCommon has left, with length saying why, or found too long for the buffer that
@@ -106,18 +101,18 @@ struct SourcePosition {
   uint32 line;
 };
 
-SourcePosition LoadSource(LogHandleRec& handle) {
+SourcePosition LoadSource(const LogHandleRec& handle) {
   SourcePosition source{};
-  source.line = std::atomic_ref(handle.src_line).load(std::memory_order_relaxed);
+  source.line = __atomic_load_n(&handle.src_line, __ATOMIC_RELAXED);
   for (std::size_t at = 0; at + 1 < sizeof source.file; ++at) {
-    source.file[at] = std::atomic_ref(handle.src_file[at]).load(std::memory_order_relaxed);
+    source.file[at] = __atomic_load_n(&handle.src_file[at], __ATOMIC_RELAXED);
     if (source.file[at] == '\0') break;
   }
   return source;
 }
 
 // Appends "[%s] " and "[%d] " with the stored position, as far as there is one and the line shows it.
-sint8* AppendSource(sint8* end, LogHandleRec& handle) {
+sint8* AppendSource(sint8* end, const LogHandleRec& handle) {
   if (!handle.log_src_file && !handle.log_src_line) return end;
   const SourcePosition source = LoadSource(handle);
   if (handle.log_src_file && source.file[0] != '\0') {
@@ -131,7 +126,7 @@ sint8* AppendSource(sint8* end, LogHandleRec& handle) {
 
 // Puts the pieces of a line's header together in their fixed order. Reports and returns null when the stamp
 // could not be formatted.
-sint8* AppendHeader(sint8* end, LogHandleRec& handle, LogLevel level) {
+sint8* AppendHeader(sint8* end, const LogHandleRec& handle, LogLevel level) {
   const vintra::Stamp& stamp = handle.stamp;
   if (!stamp.is_complete) {
     REPORT_ERROR("logMsgWriteFile strftime failed(errorcode:%d).", 0);
@@ -186,9 +181,9 @@ sint32 logMsgWriteFile(LogHandleRec* log_handle, FILE* file_out, LogLevel log_le
   sint8* const header = room != nullptr ? room : own_room;
   const sint8* const end = AppendHeader(header, *log_handle, log_level);
   if (end == nullptr) return vintra::kHeaderFailed;
-  const std::span<sint8> header_text(header, end);
+  const std::span<sint8> header_text(header, static_cast<std::size_t>(end - header));
   const std::size_t size = header_text.size() + str.size();
-  if (room == nullptr && !vintra::MakeRoom(file_out, size)) {
+  if (room == nullptr && !vintra::MakeRoom(file_out, log_handle->held, size)) {
     CountBytes(*log_handle, size);
     return vintra::ReportNotFlushed(*log_handle);
   }
@@ -207,7 +202,7 @@ sint32 logMsgWriteFile(LogHandleRec* log_handle, FILE* file_out, LogLevel log_le
   const uint32 unflushed = log_handle->file_size - log_handle->flush_size;
   if (log_handle->file_flush_size > unflushed && !log_handle->first_flush_due) return vintra::kSuccess;
   const sint32 code = vintra::FlushLogFile(*log_handle);
-  if (code != 0) vintra::DropPending(file_out, size);
+  if (code != 0) vintra::DropPending(file_out, log_handle->held, size);
   return code;
 }
 
@@ -237,9 +232,18 @@ sint32 MoveOn(LogHandleRec& handle, const sint8* name, sint8* path) {
   return code;
 }
 
+// Removes expired files, which may make the room that the current file waits for. A log that goes on waiting
+// does not list its folder for each record that it refuses: ages change with the day, and days begin at
+// quarters of an hour, in every time zone.
+void RemoveBeforeRoll(LogHandleRec& handle) {
+  constexpr std::time_t kQuarter = 900;
+  const std::time_t quarter = handle.stamp.second / kQuarter + 1;  // not 0 on a machine that boots in 1970
+  if (std::exchange(handle.futile_pass, quarter) != quarter) vintra::RemoveExpiredFiles(handle);
+}
+
 [[gnu::noinline]] sint32 RollDay(LogHandleRec& handle, uint32 day, sint8* name, sint8* path) {
   const vintra::CancellationPause pause;
-  vintra::RemoveExpiredFiles(handle);  // which may make the room that the current file waits for
+  RemoveBeforeRoll(handle);
   const uint32 old_day = std::exchange(handle.cur_date_ID, day);
   const uint32 number =
       day == old_day ? vintra::RingNumber(handle.cur_log_file_ID + 1, handle.max_backup_index) : 0;
@@ -249,6 +253,7 @@ sint32 MoveOn(LogHandleRec& handle, const sint8* name, sint8* path) {
     handle.cur_date_ID = old_day;
   } else {
     handle.cur_log_file_ID = number;
+    handle.futile_pass = 0;
   }
   return code;
 }
@@ -274,11 +279,11 @@ void StoreSource(LogHandleRec& handle, const sint8* source_file_name, sint32 sou
   std::size_t at = 0;
   for (const std::string_view part : {source.name, source.ext}) {
     for (const sint8 character : part.substr(0, sizeof handle.src_file - 1 - at)) {
-      std::atomic_ref(handle.src_file[at++]).store(character, std::memory_order_relaxed);
+      __atomic_store_n(&handle.src_file[at++], character, __ATOMIC_RELAXED);
     }
   }
-  std::atomic_ref(handle.src_file[at]).store('\0', std::memory_order_relaxed);
-  std::atomic_ref(handle.src_line).store(static_cast<uint32>(source_file_line), std::memory_order_relaxed);
+  __atomic_store_n(&handle.src_file[at], '\0', __ATOMIC_RELAXED);
+  __atomic_store_n(&handle.src_line, static_cast<uint32>(source_file_line), __ATOMIC_RELAXED);
 }
 
 }  // namespace vintra

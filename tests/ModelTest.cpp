@@ -140,7 +140,7 @@ TEST_F(ModelTest, RandomHistories) {
         std::string name = model.Name(below(6));
         if (below(2) == 0) name.replace(below(name.size()), 1 + below(2), below(3), "x_0.9"[below(5)]);
         if (model.open && name == model.file) continue;
-        const bool is_folder = below(8) == 0 && (set.days == 0 || set.mode != Log_Mode_Date);
+        const bool is_folder = below(8) == 0;
         std::string& file = model.files[name] = kFolder;
         fs::remove(name);
         if (is_folder) fs::create_directory(name);

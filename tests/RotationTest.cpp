@@ -33,14 +33,18 @@ TEST_F(RotationTest, NumberedFilesThatCannotBeUsed) {
 }
 
 TEST_F(RotationTest, RemovingEndsWhereAFileStaysOrTheClockDoes) {
-  const std::string folder = "app_20200101_000", file = "app_20200101_001";
+  const std::string folder = "app_20200101_000", file = "app_20200101_001", empty = "app_20200101_002";
+  const std::string late = "app_20380120_000";  // when seconds of 32 bits have ended
   // clang-format off
   const struct { std::time_t clock; std::size_t length; std::vector<std::string> list; sint32 code; } cases[] = {
-      {kStart, 243, {file, folder, ""}, -1}, {-1, 243, {file}, 12}, {kNoYear, 243, {file}, 12}, {1L << 43, 243, {file}, 12},
-      {-(1L << 43), 243, {file}, 12}, {kStart, 244, {file}, 0}, {kStart, 2, {"x\\" + file}, 0}, {kStart, 243, {file}, 0}};
+      {kStart, 243, {file, folder, ""}, -1}, {-1, 243, {file}, 12}, {kNoYear, 243, {file}, 12}, {kFarYear, 243, {file}, 12},
+      {-kFarYear, 243, {file}, 12}, {kStart, 244, {file}, 0}, {kStart, 2, {"x\\" + file}, 0}, {kStart, 243, {file, empty, late}, 0}};
   // clang-format on
-  fs::create_directory(folder);  // which stays; so does what has a path of 260 characters
+  // What is in no empty folder stays; so does what has a path of 260 characters.
+  fs::create_directories(folder + "/x");
+  fs::create_directory(empty);
   MakeFile(file, 5);
+  MakeFile(late, 5);
   LogHandleRec handle{};
   vintra::CopyText(handle.log_file_name, "app");
   for (const auto& row : cases) {
@@ -51,7 +55,8 @@ TEST_F(RotationTest, RemovingEndsWhereAFileStaysOrTheClockDoes) {
     for (const auto& name : row.list) vintra::CopyText((list = new FileList{{}, list})->file_name, name);
     EXPECT_EQ(DeleteLogFile(list, 1, &handle), row.code);
   }
-  EXPECT_FALSE(fs::exists(file));
+  EXPECT_FALSE(fs::exists(file) || fs::exists(empty));
+  EXPECT_TRUE(fs::exists(late));
 }
 
 TEST_F(RotationTest, FlushesInOneWriteUntilTheBufferIsFull) {

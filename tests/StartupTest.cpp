@@ -1,4 +1,5 @@
 // From a configuration record to an open file and its first records, or to a result that says why not.
+#include "Common/Handles.h"
 #include "TestSupport.h"
 
 namespace {
@@ -6,19 +7,41 @@ namespace {
 using StartupTest = LogTest;
 
 TEST_F(StartupTest, RefusedRecords) {
-  // clang-format off
-  constexpr struct { uint32 mode, level, limit; const char *name, *errors = ""; } kCases[] = {
-      {1, 1, 0, "app.log"}, {1, 1, 1, ""}, {1, 0, 1, "app.log"}, {1, 10, 1, "app.log"}, {0, 1, 1, "app.log"}, {4, 1, 1, "app.log"},
-      {1, 1, 1U << 31, "app.log", "LOG_MODULE_INIT_Ex max_file_size(2147483648) is above 2147483647.\n"}};
-  // clang-format on
-  for (const auto& [mode, level, limit, name, errors] : kCases) {
-    EXPECT_EQ(Start({.limit = limit, .name = name, .mode = mode, .level = level}), 1);
-    EXPECT_EQ(Bars(Errors(), written_), errors + "|77"s);
+  const Settings cases[] = {{.limit = 0}, {.name = ""}, {.mode = 0}, {.mode = 4}, {.level = 0}, {.level = 10}};
+  for (const Settings& settings : cases) {
+    EXPECT_EQ(Start(settings), 1);
+    EXPECT_EQ(Bars(Errors(), written_), "|77");
   }
   const LogConfigRecEx good = Settings{}.Config();
   EXPECT_EQ(LOG_MODULE_INIT_New_Ex(&good, nullptr) + LOG_MODULE_INIT_New_Ex(nullptr, &written_), 2);
   EXPECT_EQ(LOG_MODULE_INIT_Ex(nullptr, &written_), 1);
   EXPECT_TRUE(fs::is_empty("."));
+}
+
+TEST_F(StartupTest, LimitsBeyondTheLargestFileMeanTheLargest) {
+  for (const uint32 limit : {1U << 31, UINT32_MAX}) {
+    WriteFile("app.log", "before");
+    for (const uint32 mode : {1U, 2U, 3U}) {
+      Open({.limit = limit, .mode = mode});
+      EXPECT_EQ(Record().max_file_size, 2147483647U);
+    }
+    EXPECT_EQ(Bars(Log(), Errors()), "before|");
+  }
+}
+
+TEST_F(StartupTest, FilesStayOutOfThePlacesOfClosedStreams) {
+  for (const int place : {STDIN_FILENO, STDERR_FILENO}) {
+    const vintra::FileDescriptor kept(fcntl(place, F_DUPFD_CLOEXEC, 10));
+    close(place);
+    Open({.limit = 10});
+    EXPECT_EQ(Write(10), 0);
+    EXPECT_GT(fileno(Record().file_out), STDERR_FILENO);
+    EXPECT_EQ(Write(12), 0) << "in a file started over";
+    EXPECT_GT(fileno(Record().file_out), STDERR_FILENO);
+    EXPECT_EQ(Bars(Log().size(), fcntl(fileno(Record().file_out), F_GETFD), fcntl(place, F_GETFD)),
+              Bars(12, FD_CLOEXEC, -1));
+    EXPECT_EQ(dup2(kept.get(), place), place);
+  }
 }
 
 TEST_F(StartupTest, FileNames) {

@@ -39,6 +39,12 @@ std::size_t HalfDone(std::size_t size) {
   return size / 2;
 }
 
+// What has no room in a stream empties it, as on a disk that is full: it would have been written.
+std::size_t FailToPut(std::size_t size, FILE* stream) {
+  if (size > __fbufsize(stream) - __fpending(stream)) __fpurge(stream);
+  return 0;
+}
+
 }  // namespace
 
 extern "C" {
@@ -59,7 +65,7 @@ VINTRA_CALL(ssize_t, pread64, pread, -1, (int descriptor, void* bytes, std::size
 VINTRA_CALL(char*, fgets, fgets, nullptr, (char* text, int size, FILE* stream), text, size, stream)
 VINTRA_CALL(int, fflush, fflush, EOF, (FILE* stream), stream)
 VINTRA_CALL(int, rename, rename, -1, (const char* from, const char* to), from, to)
-VINTRA_CALL(int, unlink, unlink, -1, (const char* path), path)
+VINTRA_CALL(int, remove, remove, -1, (const char* path), path)
 VINTRA_CALL(int, rmdir, rmdir, -1, (const char* path), path)
 VINTRA_CALL(DIR*, opendir, opendir, nullptr, (const char* path), path)
 VINTRA_CALL(DIR*, fdopendir, fdopendir, nullptr, (int descriptor), descriptor)
@@ -147,16 +153,12 @@ ssize_t __wrap_write(int descriptor, const void* bytes, std::size_t size) {
   const std::size_t half = HalfDone(size);
   return half != 0 ? __real_write(descriptor, bytes, half) : -1;
 }
-// A failing one leaves nothing in the stream, as a disk that fills up does.
 std::size_t __wrap_fwrite(const void* bytes, std::size_t size, std::size_t count, FILE* stream) {
-  if (!Fails("fwrite")) return __real_fwrite(bytes, size, count, stream);
-  __fpurge(stream);
-  return 0;
+  return Fails("fwrite") ? FailToPut(size * count, stream) : __real_fwrite(bytes, size, count, stream);
 }
 std::size_t __wrap_fwrite_unlocked(const void* bytes, std::size_t size, std::size_t count, FILE* stream) {
-  if (!Fails("fwrite")) return __real_fwrite_unlocked(bytes, size, count, stream);
-  __fpurge(stream);
-  return 0;
+  return Fails("fwrite") ? FailToPut(size * count, stream)
+                         : __real_fwrite_unlocked(bytes, size, count, stream);
 }
 int __wrap_fsync(int descriptor) {
   struct stat64 status {};

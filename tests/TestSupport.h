@@ -30,7 +30,9 @@ namespace fs = std::filesystem;
 using namespace std::string_literals;
 
 constexpr std::time_t kStart = 1794835454;             // 2026-11-16 13:24:14 UTC
-constexpr std::time_t kNoYear = std::time_t{1} << 60;  // in a year that has no number
+// In years that have no number for the C library, and for the name of a file. There are none in 32 bits.
+constexpr std::time_t kNoYear = sizeof(std::time_t) > 4 ? static_cast<std::time_t>(std::int64_t{1} << 60) : -1;
+constexpr std::time_t kFarYear = sizeof(std::time_t) > 4 ? static_cast<std::time_t>(std::int64_t{1} << 43) : -1;
 
 enum class Fault {
   kOnce,
