@@ -37,7 +37,7 @@ class CrashTest : public LogTest {
   // Runs work in a process of its own. Returns its exit status, or with kill_after its being killed.
   template <typename Work>
   static int InChild(const Work& work, int kill_after = -1) {
-    std::fflush(nullptr);
+    std::fflush(stdout);
     const pid_t child = fork();
     if (child == 0) {
       work();
@@ -263,6 +263,11 @@ TEST_F(ForkTest, TheChildOfOneThreadGoesOnWithTheLog) {
     EXPECT_EQ(Numbers(torn), all) << "each once";
     EXPECT_EQ(torn, 0);
   }
+  Open({"%C%N", 4096});
+  EXPECT_EQ(WriteText(handle_, 7), 0);
+  EXPECT_EQ(InChild([this] { EXPECT_EQ(LOG_MSG_FLUSH(handle_), 0); }), 0);
+  Close();
+  EXPECT_EQ(Log(), Repeat("  " + Text(7), 2)) << "what was not flushed before, both have written";
 }
 
 TEST_F(ForkTest, NoDescriptorReachesAnotherProgram) {

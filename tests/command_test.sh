@@ -67,7 +67,16 @@ printf '[NOTICE]  m  one\n[NOTICE]  m  two %%s\n[NOTICE]  m  \n[NOTICE]  m  thre
 lines a.txt | cmp - expected
 ! grep -q "$(printf 'one\r\r')" a.txt || fail "CR LF leaves a CR in the record"
 cat logs/a.log | "$vintra" cat | cmp - a.txt
-"$vintra" cat a.txt | cmp - logs/a.log
+"$vintra" cat --scramble a.txt | cmp - logs/a.log
+for plain in "cat a.txt" "cat --plain a.txt" "cat --scramble logs/a.log"; do "$vintra" $plain | cmp - a.txt; done
+"$vintra" cat --plain logs/a.log | cmp - logs/a.log
+# What has no blank, in which a few digits and letters are all that tells.
+for text in 'disk' 'x=1024' 'it'"'"'s' "$(printf 'a\tb\nc')" "$(printf '\303\244')"; do
+  printf '%s' "$text" >text
+  for masking in --plain --scramble; do
+    [ "$text" = "$(printf '\303\244')" ] && [ $masking = --scramble ] || "$vintra" cat $masking text | "$vintra" cat | cmp - text
+  done
+done
 "$vintra" cat logs/a.log - <logs/a.log >twice
 lines twice >seen
 { cat expected; echo; cat expected; } | cmp - seen
@@ -118,7 +127,11 @@ printf 'a\nb\nc\n' | "$vintra" write -k -f /dev/full 2>err || code=$?
 code=0
 printf 'a' | "$vintra" write -f /dev/full --flush-size 1K 2>err || code=$?
 [ $code = 1 ] && grep -q 'could not be flushed (7' err || fail "a flush on a full disk gives $code: $(cat err)"
-exits 1 "could not be opened (5.*LogModuleErrMsg.log" "$vintra" write -f "$work"
+exits 1 "could not be opened (5.*; $library_dir/LogModuleErrMsg.log tells more" "$vintra" write -f "$work"
+# Who cannot write the error log is not sent there.
+mkdir -p own/LogModuleErrMsg.log
+cp "$library_dir"/libvintra.so.? own
+exits 1 'could not be opened (5: a file could not be opened)$' env LD_LIBRARY_PATH="$work/own" "$vintra" write -f "$work"
 exits 1 'standard input: Bad file descriptor' sh -c 'timeout 20 "$0" write -f closed.log <&-' "$vintra"
 exits 1 "could not be opened (1: its configuration" "$vintra" write -f "$work/"
 
@@ -158,7 +171,7 @@ exec 3>&-
 wait $!
 
 # Following: what is there, what is added, a file emptied and grown beyond what it was, one replaced, one that comes.
-put() { printf '%s' "$2" | "$vintra" cat >>"$1"; }
+put() { printf '%s' "$2" | "$vintra" cat --scramble >>"$1"; }
 shows() { [ "$(tr '\r' '~' <followed)" = "$1" ]; }
 put live 'one'
 "$vintra" cat -f live later >followed 2>err &
@@ -166,12 +179,12 @@ follower=$!
 until_true shows 'one'
 put live "$(printf '\r\ntwo')"
 until_true shows "$(printf 'one~\ntwo')"
-printf '%s' "$(printf 'three\r\nis longer')" | "$vintra" cat >live
+printf '%s' "$(printf 'three\r\nis longer')" | "$vintra" cat --scramble >live
 until_true shows "$(printf 'one~\ntwo~\nthree~\nis longer')"
 mv live gone
 put live 'four'
 until_true shows "$(printf 'one~\ntwo~\nthree~\nis longer~\nfour')"
-put later 'five'
+printf 'five' >later # in plain text, beside a scrambled one
 until_true shows "$(printf 'one~\ntwo~\nthree~\nis longer~\nfour~\nfive')"
 put live "$(printf '\r\nsix')"
 until_true shows "$(printf 'one~\ntwo~\nthree~\nis longer~\nfour~\nfive~\nsix')"
@@ -228,7 +241,8 @@ module_name = hidden
 [long]
 level = Log_Level_Info
 END
-[ "$("$vintra" check check.ini)" = "$(printf 'good\nbad\nbad\nlong')" ] || fail "sections are not listed"
+exits 1 "check.ini:24: the line has no '=', and hides what is behind it" "$vintra" check check.ini
+[ "$(cat out)" = "$(printf 'good\nbad\nbad\nlong')" ] || fail "sections are not listed"
 exits 0 '^  flush_size        4096$' "$vintra" check check.ini good
 ! grep -q 'default\|wrong\|unused' out || fail "something is wrong with a good section: $(cat out)"
 exits 1 '^\[bad\]$' "$vintra" check check.ini good bad
@@ -254,10 +268,17 @@ for length in 246 247; do # the folder has two more characters
   exits $((length - 246)) '^  file_name' "$vintra" check folder.ini a
 done
 exits 1 'no section \[x\]' "$vintra" check check.ini x
-printf '\357\273\277[a]\n' >marked.ini
+printf '\357\273\277[a]\nx=1\n[b]\nno separator\n' >marked.ini
 exits 1 'no section \[a\]; a byte order mark' "$vintra" check marked.ini a
+exits 1 '^vintra: marked.ini:1: a byte order mark hides this line$' "$vintra" check marked.ini
+grep -q '^vintra: marked.ini:4: .* has no .=., and hides' err || fail "nothing is said of a malformed line: $(cat err)"
 exits 1 'nothere.ini: No such file' "$vintra" check nothere.ini
-exits 1 '/dev/zero: Illegal seek' timeout 20 "$vintra" check /dev/zero
+exits 1 'empty: no sections' sh -c ': >empty; "$0" check empty' "$vintra"
+exits 1 '/dev/zero: File too large' timeout 20 "$vintra" check /dev/zero
+for pipe in - /dev/stdin; do
+  [ "$(cat check.ini | "$vintra" check $pipe long)" = "$("$vintra" check check.ini long)" ] || fail "check does not read pipes"
+done
+exits 1 'standard input:1: .*end in' sh -c 'echo [xy | "$0" check -' "$vintra"
 printf '[\033[2J]\nmode=\177\nlevel=Log_Level_Info\nmode=\t' >signs.ini
 exits 0 '^\\x1B\[2J$' "$vintra" check signs.ini
 exits 1 'wrong: "\\x7F" is none' "$vintra" check signs.ini "$(printf '\033[2J')"
@@ -266,6 +287,23 @@ for length in 60 61; do
   printf '[a]\nlevel=Log_Level_Info\nmode=Log_Mode_Rollback\nfile_name=/%0190d/%0*d.log\n' 0 $length 0 >length.ini
   exits $((length - 60)) "\(0.log$\)\|start-up refuses a path of more than 259" "$vintra" check length.ini a
 done
+# Which file a start would go on in.
+printf '[a]\nlevel=Log_Level_Info\nfile_name=%s/next.log\nmax_file_size=9\nmax_backup_index=2\nmode=' "$work" >next.ini
+{ cat next.ini; printf 'Log_Mode_Rollback\n'; } >ring.ini
+{ cat next.ini; printf 'Log_Mode_Date\n'; } >days.ini
+next() { exits 0 "^  next file  *$work/next$2.log  *$3\$" "$vintra" check "$1" a; }
+next days.ini "_$(date +%Y%m%d)_000" made
+next ring.ini 000 made
+printf '%9s' '' >next000.log
+printf '%8s' '' >next001.log
+next ring.ini 001 'appended to'
+printf ' ' >>next001.log
+touch -d '-1 hour' next000.log
+next ring.ini 000 'emptied, as all are full'
+touch -d '-2 hours' next001.log
+next ring.ini 000 'emptied, as all are full, though it is the newest'
+echo 'format=%D% C' >>ring.ini
+next ring.ini 000 'emptied, by the %C of its format'
 echo '[broken' >>check.ini
 exits 1 "check.ini:29: .*does not end in ']'" "$vintra" check check.ini
 exits 0 '^  file_name *default.log *default: missing' "$vintra" check check.ini long
@@ -273,7 +311,7 @@ grep -q '^  encrypt *1 *default: missing, so the file is scrambled' out || fail 
 
 # Non-blocking streams are waited for; dd passes the flags on to whoever shares them.
 head -c 9000000 /dev/zero | tr '\0' 'x' | fold -w 99 >large
-cat large | { dd iflag=nonblock oflag=nonblock count=0 status=none; "$vintra" cat; } | "$vintra" cat | cmp - large
+cat large | { dd iflag=nonblock oflag=nonblock count=0 status=none; "$vintra" cat --scramble; } | "$vintra" cat | cmp - large
 
 # Colours and progress are for terminals.
 script -qec true /dev/null </dev/null >/dev/null 2>&1 || { echo "no terminal to be had: colours and progress are not tested"; exit 0; }
@@ -287,6 +325,10 @@ on_terminal "'$vintra' cat <large >/dev/null" | grep -q '%  [0-9]* of 8 MiB' || 
 on_terminal "'$vintra' cat large nothere >/dev/null" | grep -q "$(printf '\033')\[Kvintra: nothere" ||
   fail "a message stands behind the progress"
 ! on_terminal "'$vintra' write -f small.log <input" | grep -q '%' || fail "progress for a small input"
+printf 'a\tb\033[2J\007\302\233\233\303\244c\rd\r\ne\303' >signs
+on_terminal "'$vintra' cat signs" | tr '\t\r' '~ ' | grep -qF "$(printf 'a~b\\x1B[2J\\x07\\xC2\\x9B\\x9B\303\244c\\x0Dd')" ||
+  fail "a terminal gets $(on_terminal "'$vintra' cat signs" | od -c)"
+"$vintra" cat signs | cmp - signs
 "$vintra" write -f large.log --flush-size 64K <large 2>err
 [ ! -s err ] || fail "progress without a terminal"
 on_terminal "'$vintra' cat large.log" | tail -c 1 | od -An -c | grep -q 'n' || fail "a prompt would not begin a line"

@@ -1,4 +1,4 @@
-// vintra cat: scrambled logs as text.
+// vintra cat: logs as text, scrambled or not.
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/stat.h>
@@ -7,22 +7,27 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <span>
 #include <string>
 #include <vector>
 
 #include "tools/Command.h"
 #include "tools/Follow.h"
+#include "tools/LogText.h"
 #include "tools/Output.h"
 #include "tools/Progress.h"
 
 namespace {
 
-constexpr char kHelp[] = R"(Usage: vintra cat [-f] [FILE...]
+constexpr char kHelp[] = R"(Usage: vintra cat [-f] [--scramble | --plain] [FILE...]
 
-Writes scrambled logs as text to standard output, one after the other; standard input where no FILE is named,
-or FILE is "-". Text comes out scrambled, in the same way.
+Writes logs as text to standard output, one after the other; standard input where no FILE is named, or FILE is
+"-". Each is recognised as scrambled or as text by what it begins with. A terminal gets control characters,
+and bytes that are no UTF-8, as \xNN.
 
   -f, --follow   go on as the files grow, are emptied or replaced, also one that is not there yet
+      --scramble take every byte for scrambled; text then comes out scrambled
+      --plain    take every byte as it is
   -h, --help     this text
 
 Exits with 0, with 1 when something could not be read or written, with 2 when it was called wrongly.
@@ -52,43 +57,31 @@ Source Examine(const char* name) {
 }
 
 // Puts out a whole source. Returns false when it cannot be read.
-bool PutWhole(const Source& source, Output& output, Progress& progress) {
+bool PutWhole(const Source& source, Masking masking, Output& output, Progress& progress) {
   const Descriptor file(source.is_input ? fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 0)
                                         : open(source.name.c_str(), O_RDONLY | O_CLOEXEC));
   std::vector<char> block(kBlockSize);
+  LogText text(masking);
   ssize_t got = -1;
   while (file && !output.failed() && (got = read(file.get(), block.data(), block.size())) != 0) {
     if (got < 0 && WorthRepeating(file.get(), POLLIN)) continue;
     if (got < 0) break;
-    auto length = static_cast<uint32>(got);
-    GetEncryptData(block.data(), length, block.data(), &length);
-    output.Put(&source, {block.data(), length});
-    progress.Add(length);
+    const std::span<char> bytes(block.data(), static_cast<std::size_t>(got));
+    text.Decode(bytes);
+    output.Put(&source, {bytes.data(), bytes.size()});
+    progress.Add(bytes.size());
   }
   if (got < 0) FailOn(source.name.c_str());
   return got >= 0;
 }
 
-}  // namespace
-
-int Cat(int argc, char** argv) {
-  constexpr option kOptions[] = {
-      {"follow", no_argument, nullptr, 'f'}, {"help", no_argument, nullptr, 'h'}, {}};
-  bool follow = false;
-  for (int letter; (letter = getopt_long(argc, argv, "fh", kOptions, nullptr)) != -1;) {
-    if (letter == 'h') return std::fputs(kHelp, stdout) < 0 ? kFailed : kDone;
-    if (letter != 'f') return HintAtHelp(argv[0]);
-    follow = true;
-  }
-
-  std::vector<Source> sources;
-  for (int i = optind; i < argc; ++i) sources.push_back(Examine(argv[i]));
-  if (sources.empty()) sources.push_back(Examine("-"));
+// Puts out the sources, and goes on with those that can be followed. Returns an ExitCode.
+int PutAll(const std::vector<Source>& sources, bool follow, Masking masking) {
   std::uint64_t total = 0;
   for (const Source& source : sources) total += source.size;
 
-  Output output;
   const bool on_terminal = isatty(STDOUT_FILENO) == 1;
+  Output output(on_terminal);
   Progress progress(total, !follow && !on_terminal);
   std::vector<FollowedLog> followed;
   bool read_all = true;
@@ -98,12 +91,36 @@ int Cat(int argc, char** argv) {
       read_all = false;
       Fail("%s: is standard output too", source.name.c_str());
     } else if (follow && source.is_regular && !source.is_input) {
-      followed.emplace_back(source.name);
+      followed.emplace_back(source.name, masking);
     } else {
-      read_all = PutWhole(source, output, progress) && read_all;
+      read_all = PutWhole(source, masking, output, progress) && read_all;
     }
   }
   if (!followed.empty()) Follow(followed, output);
   if (on_terminal) output.EndLine();  // the last record has no line end, and a prompt comes next
   return read_all && !output.failed() ? kDone : kFailed;
+}
+
+}  // namespace
+
+int Cat(int argc, char** argv) {
+  constexpr option kOptions[] = {{"follow", no_argument, nullptr, 'f'},
+                                 {"scramble", no_argument, nullptr, 's'},
+                                 {"plain", no_argument, nullptr, 'p'},
+                                 {"help", no_argument, nullptr, 'h'},
+                                 {}};
+  bool follow = false;
+  Masking masking = Masking::kRecognise;
+  for (int letter; (letter = getopt_long(argc, argv, "fh", kOptions, nullptr)) != -1;) {
+    if (letter == 'h') return std::fputs(kHelp, stdout) < 0 ? kFailed : kDone;
+    if (letter == '?') return HintAtHelp(argv[0]);
+    if (letter == 'f') follow = true;
+    if (letter == 's') masking = Masking::kOn;
+    if (letter == 'p') masking = Masking::kOff;
+  }
+
+  std::vector<Source> sources;
+  for (int i = optind; i < argc; ++i) sources.push_back(Examine(argv[i]));
+  if (sources.empty()) sources.push_back(Examine("-"));
+  return PutAll(sources, follow, masking);
 }

@@ -12,14 +12,15 @@
 #include "tools/Command.h"
 #include "tools/IniScan.h"
 #include "tools/LogSection.h"
+#include "tools/NextFile.h"
 
 namespace {
 
 constexpr char kHelp[] = R"(Usage: vintra check INI [SECTION...]
 
 Shows for each log section of an INI file every key with the value in force: whether it was taken from the
-file, is a default, or is not what the file says, and why; and the keys that mean nothing. Lists the sections
-of the file where none is named.
+file, is a default, or is not what the file says, and why; and the keys that mean nothing. Where no section is
+named, lists those of the file, and each line that hides others. INI may be a pipe, or "-", standard input.
 
   -h, --help  this text
 
@@ -93,8 +94,16 @@ std::vector<Setting> ExamineLines(const IniSection& lines, const std::vector<Set
   return found;
 }
 
+// Whether start-up accepts the section, and opens a file for it.
+bool CanStart(const LogSection& section) {
+  const Setting& file_name = section.settings.front();
+  return file_name.verdict != Verdict::kWrong && section.config.log_level != Log_Level_Disable;
+}
+
 // Returns whether the section is all right.
-bool CheckSection(const char* file, const char* section) {
+bool CheckSection(const IniFile& ini, const char* section) {
+  const char* const file = ini.path.c_str();
+  const char* const name = ini.name.c_str();
   if (std::strlen(section) > kLongestArgument) {
     Fail("[%s]: more than 263 characters", section);
     return false;
@@ -102,33 +111,37 @@ bool CheckSection(const char* file, const char* section) {
   const IniSection lines = ScanSection(file, section);
   if (lines.line == 0) {
     const char* hint = lines.byte_order_mark ? "; a byte order mark hides the first line" : "";
-    if (lines.bad_line == 0) Fail("%s: no section [%s]%s", file, section, hint);
-    if (lines.bad_line != 0) Fail("%s:%d: %s, and hides [%s]", file, lines.bad_line, lines.problem, section);
+    if (lines.bad_line == 0) Fail("%s: no section [%s]%s", name, section, hint);
+    if (lines.bad_line != 0) Fail("%s:%d: %s, and hides [%s]", name, lines.bad_line, lines.problem, section);
     return false;
   }
-  std::vector<Setting> settings = ReadLogSection(file, section).settings;
+  const LogSection read = ReadLogSection(file, section);
+  std::vector<Setting> settings = read.settings;
   for (Setting& extra : ExamineLines(lines, settings)) settings.push_back(std::move(extra));
   std::printf("[%s]\n", Printable(section).c_str());
   for (const Setting& setting : settings) Show(setting);
+  if (CanStart(read)) {
+    const NextFile next = FindNextFile(read.config);
+    Show({"next file", next.path, Verdict::kSet, next.fate});
+  }
   return std::none_of(settings.begin(), settings.end(),
                       [](const Setting& setting) { return setting.verdict == Verdict::kWrong; });
 }
 
-// Returns whether all sections could be listed.
-bool ListSections(const char* file) {
-  // The lines of sections alone, by a name that no section has.
-  const IniSection lines = ScanSection(file, "\n");
+// Lists the sections and what is wrong with the file. Returns whether nothing is.
+bool ListSections(const IniFile& ini) {
   std::vector<char> names(1);
   sint32 length = 0;
   do {  // until the list does not fill what it is given
     names.resize(names.size() * 2 + 4096);
-    length = GetConfigFileSections(names.data(), static_cast<sint32>(names.size()), file);
+    length = GetConfigFileSections(names.data(), static_cast<sint32>(names.size()), ini.path.c_str());
   } while (static_cast<std::size_t>(length) + VINTRA_INI_LINE_SIZE + 2 > names.size());
   for (const char* name = names.data(); name < names.data() + length; name += std::strlen(name) + 1)
     std::printf("%s\n", Printable(name).c_str());
-  if (lines.bad_line != 0)
-    Fail("%s:%d: %s, and hides what is behind it", file, lines.bad_line, lines.problem);
-  return lines.bad_line == 0;
+  const std::vector<IniProblem> problems = ScanProblems(ini.path.c_str());
+  for (const auto& [line, text] : problems) Fail("%s:%d: %s", ini.name.c_str(), line, text.c_str());
+  if (length == 0 && problems.empty()) Fail("%s: no sections", ini.name.c_str());
+  return length != 0 && problems.empty();
 }
 
 }  // namespace
@@ -140,9 +153,10 @@ int Check(int argc, char** argv) {
     return std::fputs(kHelp, stdout) < 0 ? kFailed : kDone;
   }
   if (optind == argc) return Misused(argv[0], "no INI file named");
-  const char* file = argv[optind];
-  if (!ScanSection(file, "\n").readable) return FailOn(file);
-  if (std::strlen(file) > kLongestArgument) return Fail("%s: more than 263 characters", file);
+  IniFile file;
+  if (!FindIniFile(argv[optind], file) || !ScanSection(file.path.c_str(), "\n").readable)
+    return FailOn(file.name.c_str());
+  if (file.path.size() > kLongestArgument) return Fail("%s: more than 263 characters", file.name.c_str());
   if (optind + 1 == argc) return ListSections(file) ? kDone : kFailed;
   bool good = true;
   for (int i = optind + 1; i < argc; ++i) {

@@ -7,6 +7,8 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
+#include <cwchar>
+#include <cwctype>
 #include <utility>
 
 namespace {
@@ -22,6 +24,28 @@ void Complain(const char* format, va_list args) {
   std::fprintf(stderr, "vintra: %s\n", Printable(message).c_str());
 }
 
+void AppendEscaped(std::string& shown, char byte) {
+  char escape[] = "\\xNN";
+  std::snprintf(escape, sizeof escape, "\\x%02X", static_cast<unsigned char>(byte));
+  shown += escape;
+}
+
+constexpr auto kBegun = static_cast<std::size_t>(-2);  // as mbrtowc says it
+
+// The bytes of what text begins with and a terminal may get as it is; 0 where it may not, kBegun where the
+// end of it is not there yet. main has chosen UTF-8.
+std::size_t HarmlessSize(std::string_view text, bool keeps_lines) {
+  if (keeps_lines && (text.front() == '\n' || text.front() == '\t')) return 1;
+  if (keeps_lines && text.front() == '\r') return text.size() == 1 ? kBegun : text[1] == '\n' ? 2 : 0;
+  wchar_t character = 0;
+  std::mbstate_t state{};
+  const std::size_t size = std::mbrtowc(&character, text.data(), text.size(), &state);
+  if (size == kBegun) return kBegun;
+  return size == static_cast<std::size_t>(-1) || std::iswcntrl(static_cast<std::wint_t>(character)) != 0
+             ? 0
+             : size;
+}
+
 }  // namespace
 
 int Fail(const char* format, ...) {
@@ -35,14 +59,21 @@ int Fail(const char* format, ...) {
 int FailOn(const char* subject) { return Fail("%s: %s", subject, std::strerror(errno)); }
 
 std::string Printable(std::string_view text) {
-  std::string result;
-  for (const char byte : text) {
-    const auto code = static_cast<unsigned char>(byte);
-    char escape[] = "\\xNN";
-    if (code < ' ' || code == 0x7F) std::snprintf(escape, sizeof escape, "\\x%02X", code);
-    result += code < ' ' || code == 0x7F ? std::string_view(escape) : std::string_view(&byte, 1);
+  std::string shown;
+  const std::size_t begun = AppendShown(shown, text, false);
+  for (const char byte : text.substr(text.size() - begun)) AppendEscaped(shown, byte);
+  return shown;
+}
+
+std::size_t AppendShown(std::string& shown, std::string_view text, bool keeps_lines) {
+  while (!text.empty()) {
+    const std::size_t size = HarmlessSize(text, keeps_lines);
+    if (size == kBegun) break;
+    if (size == 0) AppendEscaped(shown, text.front());
+    shown += text.substr(0, size);
+    text.remove_prefix(std::max<std::size_t>(size, 1));
   }
-  return result;
+  return text.size();
 }
 
 void ShowStatus(const char* text) {
@@ -86,10 +117,14 @@ const char* MeaningOf(sint32 code) {
       return "writing failed, as on a full disk";
     case 9:
       return "the configuration is invalid";
+    case 10:
+      return "the head of a line could not be formatted";
     case 12:
       return "the clock could not be read";
+    case 13:
+      return "the host name or the system's identification could not be read";
     default:
-      return "see the library's error log";
+      return "unknown";
   }
 }
 

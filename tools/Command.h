@@ -22,8 +22,12 @@ int Fail(const char* format, ...) VINTRA_PRINTF(1, 2);
 // Says what errno means for the subject, in the same way.
 int FailOn(const char* subject);
 
-// Text as a terminal shows it without obeying it: control characters as \xNN.
+// Text as a terminal shows it without obeying it: control characters, and bytes that are no UTF-8, as \xNN.
 std::string Printable(std::string_view text);
+
+// Appends to shown what Printable makes of text, of which line breaks and tabs may stay as they are. Returns
+// how many bytes are left of a character or line break whose end is not there yet.
+std::size_t AppendShown(std::string& shown, std::string_view text, bool keeps_lines);
 
 // Shows how far a run is, on a line of standard error that gives way to a message, or to an empty text.
 void ShowStatus(const char* text);

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <span>
 
 namespace {
 
@@ -23,6 +24,7 @@ void FollowedLog::ReportOnce() {
 
 void FollowedLog::Restart(Output& output) {
   output.Restart(this);
+  text_ = LogText(masking_);
   offset_ = 0;
   tail_.clear();
 }
@@ -56,10 +58,10 @@ void FollowedLog::PutRest(Output& output) {
     }
     if (seen.size() == known) return;
     tail_.assign(seen.end() - static_cast<std::ptrdiff_t>(std::min(seen.size(), kTailSize)), seen.end());
-    auto fresh = static_cast<uint32>(seen.size() - known);
-    offset_ += fresh;
-    GetEncryptData(block.data() + known, fresh, block.data() + known, &fresh);
-    output.Put(this, {block.data() + known, fresh});
+    const std::span<char> fresh(block.data() + known, seen.size() - known);
+    offset_ += static_cast<off_t>(fresh.size());
+    text_.Decode(fresh);
+    output.Put(this, {fresh.data(), fresh.size()});
   }
 }
 

@@ -8,12 +8,14 @@
 #include <vector>
 
 #include "tools/Command.h"
+#include "tools/LogText.h"
 #include "tools/Output.h"
 
 // One log, by its name: what the name stands for may grow, be emptied, and be another file later.
 class FollowedLog {
  public:
-  explicit FollowedLog(std::string path) : path_(std::move(path)) {}
+  FollowedLog(std::string path, Masking masking)
+      : path_(std::move(path)), masking_(masking), text_(masking) {}
 
   // Puts out what is new.
   void PutNews(Output& output);
@@ -26,6 +28,8 @@ class FollowedLog {
   void ReportOnce();
 
   std::string path_;
+  Masking masking_;
+  LogText text_;
   Descriptor file_;
   off_t offset_ = 0;  // up to where it has been read
   // The bytes before offset_. Where they are not there any more the file was emptied, even if it has grown

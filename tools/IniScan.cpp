@@ -1,6 +1,10 @@
 #include "tools/IniScan.h"
 
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -13,6 +17,7 @@ namespace {
 
 constexpr std::size_t kLongestLine = VINTRA_INI_LINE_SIZE - 1;
 constexpr std::string_view kBlanks = " \t";
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 std::string_view TrimLeft(std::string_view text) {
   text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
@@ -57,7 +62,6 @@ class Lines {
 bool ReadText(const char* file, std::string& text) {
   struct stat status = {};
   if (stat(file, &status) != 0) return false;
-  // A pipe could be read only once, and the library's functions read the file too.
   errno = S_ISDIR(status.st_mode) ? EISDIR : S_ISREG(status.st_mode) ? EFBIG : ESPIPE;
   if (!S_ISREG(status.st_mode) || status.st_size >= INT_MAX) return false;
   int size = 0;
@@ -71,9 +75,9 @@ bool ReadText(const char* file, std::string& text) {
   return result == 1;
 }
 
-// Moves behind the next line of a section of the name. Returns false at the end, and at a malformed line,
-// which problem then tells of.
-bool FindSection(Lines& lines, std::string_view section, const char*& problem) {
+// Moves behind the next line of a section of the name, or of any section for a null one. Returns false at the
+// end, and at a malformed line, which problem then tells of.
+bool FindSection(Lines& lines, const std::string_view* section, const char*& problem) {
   for (std::string_view line; lines.Next(line);) {
     line = Trim(line);
     if (line.empty() || line.front() == NoteLineSign || line.front() != SectionSymbolLeft) continue;
@@ -82,7 +86,7 @@ bool FindSection(Lines& lines, std::string_view section, const char*& problem) {
       problem = "the line of a section does not end in ']'";
       return false;
     }
-    if (line.substr(1, line.size() - 2) == section) return true;
+    if (section == nullptr || line.substr(1, line.size() - 2) == *section) return true;
   }
   return false;
 }
@@ -125,15 +129,46 @@ void ScanKeys(Lines& lines, IniSection& found) {
   }
 }
 
+// Copies what can be read from a descriptor into another one. Returns false with errno, also for what does
+// not end.
+bool CopyAll(int from, int to) {
+  constexpr std::size_t kMost = 16 << 20;
+  std::vector<char> block(65536);
+  std::size_t size = 0;
+  for (ssize_t got = 0; (got = read(from, block.data(), block.size())) != 0;) {
+    if (got < 0 && WorthRepeating(from, POLLIN)) continue;
+    if (got < 0 || write(to, block.data(), static_cast<std::size_t>(got)) != got) return false;
+    size += static_cast<std::size_t>(got);
+    if (size > kMost) {
+      errno = EFBIG;
+      return false;
+    }
+  }
+  return true;
+}
+
 }  // namespace
+
+bool FindIniFile(const char* name, IniFile& file) {
+  const bool is_input = std::string_view(name) == "-";
+  file.name = is_input ? "standard input" : name;
+  file.path = is_input ? "/dev/stdin" : name;
+  struct stat status = {};
+  if (stat(file.path.c_str(), &status) != 0) return false;
+  if (S_ISREG(status.st_mode) || S_ISDIR(status.st_mode)) return true;
+  const Descriptor source(open(file.path.c_str(), O_RDONLY | O_CLOEXEC));
+  file.copy = Descriptor(memfd_create("ini", MFD_CLOEXEC));
+  file.path = "/proc/self/fd/" + std::to_string(file.copy.get());
+  return source && file.copy && CopyAll(source.get(), file.copy.get());
+}
 
 IniSection ScanSection(const char* file, std::string_view section) {
   IniSection found;
   std::string text;
   found.readable = ReadText(file, text);
-  found.byte_order_mark = text.starts_with("\xEF\xBB\xBF");
+  found.byte_order_mark = text.starts_with(kByteOrderMark);
   Lines lines(text);
-  if (!FindSection(lines, section, found.problem)) {
+  if (!FindSection(lines, &section, found.problem)) {
     if (*found.problem != '\0') found.bad_line = lines.number();
     return found;
   }
@@ -141,6 +176,26 @@ IniSection ScanSection(const char* file, std::string_view section) {
   Lines behind = lines;
   ScanKeys(lines, found);
   const char* not_looked_at = "";
-  if (FindSection(behind, section, not_looked_at)) found.repeated = behind.number();
+  if (FindSection(behind, &section, not_looked_at)) found.repeated = behind.number();
+  return found;
+}
+
+std::vector<IniProblem> ScanProblems(const char* file) {
+  std::vector<IniProblem> found;
+  const auto add = [&found](int line, const char* problem) {
+    if (*problem != '\0') found.push_back({line, std::string(problem) + ", and hides what is behind it"});
+  };
+  std::string text;
+  ReadText(file, text);
+  if (text.starts_with(kByteOrderMark)) found.push_back({1, "a byte order mark hides this line"});
+  Lines lines(text);
+  const char* problem = "";
+  while (FindSection(lines, nullptr, problem)) {
+    IniSection section;
+    Lines keys = lines;
+    ScanKeys(keys, section);
+    add(section.bad_line, section.problem);
+  }
+  add(lines.number(), problem);
   return found;
 }

@@ -6,6 +6,19 @@
 #include <string_view>
 #include <vector>
 
+#include "tools/Command.h"
+
+// An INI file that can be read any number of times, as the library does.
+struct IniFile {
+  std::string name;  // for messages
+  std::string path;  // of the file, or of the copy
+  Descriptor copy;
+};
+
+// Copies what is no file, such as a pipe, up to 16 MiB; "-" is standard input. Returns false with errno when
+// it cannot be read.
+bool FindIniFile(const char* name, IniFile& file);
+
 struct IniKey {
   std::string name;
   int line;  // of the file, from 1
@@ -24,5 +37,13 @@ struct IniSection {
 };
 
 IniSection ScanSection(const char* file, std::string_view section);
+
+struct IniProblem {
+  int line;
+  std::string text;
+};
+
+// The malformed lines of all sections, up to a section's own line that is one.
+std::vector<IniProblem> ScanProblems(const char* file);
 
 #endif

@@ -10,6 +10,7 @@ namespace {
 constexpr std::string_view kDefaultFileName = "default.log";
 constexpr std::size_t kLongestFolder = 248;
 constexpr std::size_t kLongestText = VINTRA_TEXT_SIZE - 1;
+constexpr char kNoLetter = ' ';  // of a directive that is cut off
 constexpr std::size_t kLongestPath = VINTRA_PATH_SIZE - 1;
 
 struct Choice {
@@ -139,12 +140,10 @@ Setting Unused(const Source& source, const char* mode) {
 
 // The first directive of a format that is none of letters, or nothing.
 std::string UnknownDirective(std::string_view format, std::string_view letters) {
-  for (std::size_t at = format.find('%'); at != std::string_view::npos; at = format.find('%', at + 1)) {
-    at = format.find_first_not_of(' ', at + 1);
-    if (at == std::string_view::npos) return "%";
-    if (letters.find(format[at]) == std::string_view::npos) return std::string("%") + format[at];
-  }
-  return "";
+  const std::string directives = DirectivesOf(format);
+  const std::size_t at = directives.find_first_not_of(letters);
+  if (at == std::string::npos) return "";
+  return directives[at] == kNoLetter ? "%" : std::string("%") + directives[at];
 }
 
 // Directives. A text that says no more than missing takes the fallback.
@@ -175,6 +174,16 @@ Setting ReadModuleName(const Source& source, char (&field)[VINTRA_TEXT_SIZE]) {
 }
 
 }  // namespace
+
+std::string DirectivesOf(std::string_view format) {
+  std::string letters;
+  for (std::size_t at = format.find('%'); at != std::string_view::npos; at = format.find('%', at + 1)) {
+    at = format.find_first_not_of(' ', at + 1);
+    letters += at == std::string_view::npos ? kNoLetter : format[at];
+    if (at == std::string_view::npos) break;
+  }
+  return letters;
+}
 
 LogSection ReadLogSection(const char* file, const char* section) {
   const auto source = [file, section](const char* key) { return Source(file, section, key); };

@@ -3,6 +3,7 @@
 #define VINTRA_TOOLS_LOGSECTION_H
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "tools/Command.h"
@@ -25,6 +26,9 @@ struct LogSection {
   LogConfigRecEx config = {};  // what start-up is given
   std::vector<Setting> settings;
 };
+
+// The letters of a format's directives, known or not; a blank for a "%" at its end.
+std::string DirectivesOf(std::string_view format);
 
 LogSection ReadLogSection(const char* file, const char* section);
 

@@ -19,6 +19,14 @@ void Output::EndLine() {
 
 void Output::Write(std::string_view text) {
   last_ = text.back();
+  if (!is_terminal_) return WriteAll(text);
+  begun_ += text;
+  std::string shown;
+  begun_.erase(0, begun_.size() - AppendShown(shown, begun_, true));
+  WriteAll(shown);
+}
+
+void Output::WriteAll(std::string_view text) {
   while (!failed_ && !text.empty()) {
     const ssize_t written = write(STDOUT_FILENO, text.data(), text.size());
     if (written >= 0) {

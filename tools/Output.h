@@ -2,10 +2,14 @@
 #ifndef VINTRA_TOOLS_OUTPUT_H
 #define VINTRA_TOOLS_OUTPUT_H
 
+#include <string>
 #include <string_view>
 
 class Output {
  public:
+  // A terminal gets what AppendShown makes of the text.
+  explicit Output(bool is_terminal) : is_terminal_(is_terminal) {}
+
   // Writes text to standard output at once, without a buffer of its own. source tells logs apart: the last
   // record of a log has no line end, so where another one goes on the line is ended first. Where
   // writing fails, that is reported, and all later calls do nothing.
@@ -23,7 +27,10 @@ class Output {
 
  private:
   void Write(std::string_view text);
+  void WriteAll(std::string_view text);
 
+  bool is_terminal_;
+  std::string begun_;  // of a character or a line break, for the terminal
   const void* source_ = nullptr;
   char last_ = '\n';
   bool failed_ = false;

@@ -1,11 +1,13 @@
 // vintra write: standard input into a log, line by line.
 #include <strings.h>
+#include <sys/stat.h>
 
 #include <charconv>
 #include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <string>
 #include <string_view>
 
 #include "tools/Command.h"
@@ -194,25 +196,42 @@ int Parse(int argc, char** argv, Request& request) {
   return kDone;
 }
 
-int FailToOpen(const char* log, sint32 code) {
+// The library's own file for failures, and its size; -1 where it is not there.
+std::string ErrorLogPath() {
   char folder[VINTRA_PATH_SIZE] = "";
-  return Fail("%s: the log could not be opened (%d: %s); %sLogModuleErrMsg.log may tell more", log,
-              static_cast<int>(code), MeaningOf(code), GetDLLDir(folder));
+  return std::string(GetDLLDir(folder)) + "LogModuleErrMsg.log";
+}
+
+off_t ErrorLogSize() {
+  struct stat status = {};
+  return stat(ErrorLogPath().c_str(), &status) == 0 ? status.st_size : -1;
+}
+
+// Names the error log only where it has got a line since it had size bytes.
+int FailToOpen(const std::string& log, sint32 code, off_t size) {
+  const std::string hint = ErrorLogSize() > size ? "; " + ErrorLogPath() + " tells more" : "";
+  return Fail("%s: the log could not be opened (%d: %s)%s", log.c_str(), static_cast<int>(code),
+              MeaningOf(code), hint.c_str());
 }
 
 // Opens the log of a section, which has to be there and to say what it keeps. Returns kDone or kFailed.
 int OpenSection(const Request& request, LOGHANDLE& log) {
-  const IniSection lines = ScanSection(request.config, request.section);
-  if (!lines.readable) return FailOn(request.config);
-  if (lines.line == 0) return Fail("%s: no section [%s]", request.config, request.section);
-  for (const Setting& setting : ReadLogSection(request.config, request.section).settings) {
+  IniFile ini;
+  const bool is_found = FindIniFile(request.config, ini);
+  const char* const name = ini.name.c_str();
+  const char* const file = ini.path.c_str();
+  const IniSection lines = is_found ? ScanSection(file, request.section) : IniSection();
+  if (!lines.readable) return FailOn(name);
+  if (lines.line == 0) return Fail("%s: no section [%s]", name, request.section);
+  for (const Setting& setting : ReadLogSection(file, request.section).settings) {
     if (setting.verdict != Verdict::kWrong) continue;
-    Fail("%s: [%s] %s: %s", request.config, request.section, setting.key.c_str(), setting.remark.c_str());
+    Fail("%s: [%s] %s: %s", name, request.section, setting.key.c_str(), setting.remark.c_str());
     // Any other one has a default that can be worked with, or start-up refuses it.
     if (setting.key == "level") return kFailed;
   }
-  if (const sint32 code = LOG_MODULE_INIT(request.config, request.section, &log); code != 0)
-    return FailToOpen(request.section, code);
+  const off_t errors = ErrorLogSize();
+  if (const sint32 code = LOG_MODULE_INIT(file, request.section, &log); code != 0)
+    return FailToOpen(request.section, code, errors);
   if (LOG_LEVEL(log) > request.level->level)
     Fail("the level of [%s] drops every record of the level %s", request.section, request.level->name);
   return kDone;
@@ -220,8 +239,9 @@ int OpenSection(const Request& request, LOGHANDLE& log) {
 
 int Open(const Request& request, LOGHANDLE& log) {
   if (*request.file == '\0') return OpenSection(request, log);
+  const off_t errors = ErrorLogSize();
   const sint32 code = LOG_MODULE_INIT_New_Ex(&request.record, &log);
-  return code == 0 ? kDone : FailToOpen(request.record.log_file_name, code);
+  return code == 0 ? kDone : FailToOpen(request.record.log_file_name, code, errors);
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <clocale>
 #include <cstdio>
 #include <cstring>
 #include <initializer_list>
@@ -21,7 +22,7 @@ constexpr Subcommand kSubcommands[] = {
 
 constexpr char kHelp[] = R"(Usage: vintra COMMAND [OPTION...] [ARGUMENT...]
 
-  vintra cat [-f] [FILE...]                 scrambled logs as text
+  vintra cat [-f] [FILE...]                 logs as text, scrambled or not
   vintra write -c INI -s SECTION            standard input into a log, a record a line
   vintra check INI [SECTION...]             what the log sections of an INI file mean
   vintra COMMAND --help                     what else a command can do
@@ -65,6 +66,7 @@ void KeepPlaces() {
 
 int main(int argc, char** argv) {
   KeepPlaces();
+  std::setlocale(LC_CTYPE, "C.UTF-8");  // for what terminals show; where there is none they get ASCII alone
   const int code = Run(argc, argv);
   // What is still in the buffer may meet a full disk.
   const bool written = std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
