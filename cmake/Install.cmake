@@ -6,6 +6,11 @@ set(data_dir ${CMAKE_INSTALL_DATADIR}/vintra)
 
 install(TARGETS vintra EXPORT vintra-targets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development)
+if(VINTRA_BUILD_STATIC)
+  install(TARGETS vintra_static EXPORT vintra-targets
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
+  set(VINTRA_PC_PRIVATE "Libs.private: -l${VINTRA_CXX_RUNTIME} -ldl -lm")
+endif()
 install(EXPORT vintra-targets NAMESPACE vintra:: DESTINATION ${package_dir} COMPONENT development)
 # The library needs nothing of a host, so its targets are the whole package.
 file(WRITE ${PROJECT_BINARY_DIR}/vintra-config.cmake

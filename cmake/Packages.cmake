@@ -30,8 +30,8 @@ set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libvintra-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_COMPONENT_DEVELOPMENT_DEPENDS runtime)
-set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "Headers, manual pages, examples, and what CMake and pkg-config need to build
-programs with Vintra.")
+set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "Headers, the static library, manual pages, examples, and what CMake and
+pkg-config need to build programs with Vintra.")
 
 set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME vintra-tools)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION utils)

@@ -93,6 +93,7 @@ TEST_F(LogLineTest, OneInstantPerStampAndNeverASecondBack) {
   Open({"%T%E"});
   std::string expected;
   for (const auto& [fine, coarse, stamp, millisecond, told, code, zone] : kCases) {
+    if (kHasOneClock && fine != coarse) continue;
     fake.SetClock(kStart + coarse);
     fake.fine_second = kStart + fine;
     fake.millisecond = millisecond;
@@ -110,7 +111,7 @@ TEST_F(LogLineTest, ErrorLog) {
   const std::string name(300, 'n'), text(5000, 't'), stamp = "2026-11-16 13:24:14.007  Errlog:";
   std::string expected = stamp + "w.src(595) x(0).\n";
   EXPECT_EQ(PrintErrLog("a/b/w.src", 595, "x(%d).", 0), static_cast<sint32>(expected.size()));
-  fake.coarse_second -= 1;  // the clocks stand on two sides of a second's edge
+  if (!kHasOneClock) fake.coarse_second -= 1;  // the clocks stand on two sides of a second's edge
   PrintErrLog(("/" + name).c_str(), 1, "%s", text.c_str());
   expected += stamp + "/" + name + "(1) " + text + "\n";
   for (const auto& [clock, code] : {std::pair(std::time_t{-1}, 12), {kNoYear, 24}}) {

@@ -115,7 +115,7 @@ TEST_F(ModelTest, RandomHistories) {
     for (const auto& entry : fs::directory_iterator(".")) fs::remove_all(entry);
     Model model;
     Settings set{.limit = any(limits), .days = any(spans)};
-    std::time_t now = 86400L * Days(any(dates)) + 60L * below(2880) + 30;
+    std::time_t now = std::time_t{86400} * Days(any(dates)) + std::time_t{60} * below(2880) + 30;
     for (int step = 0; step < 120; ++step) {
       SCOPED_TRACE("seed " + std::to_string(seed) + ", step " + std::to_string(step));
       const uint32 what = step == 0 ? 0 : below(24);

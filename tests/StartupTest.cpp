@@ -7,7 +7,8 @@ namespace {
 using StartupTest = LogTest;
 
 TEST_F(StartupTest, RefusedRecords) {
-  const Settings cases[] = {{.limit = 0}, {.name = ""}, {.mode = 0}, {.mode = 4}, {.level = 0}, {.level = 10}};
+  const Settings cases[] = {{.limit = 0}, {.name = ""}, {.mode = 0},
+                            {.mode = 4},  {.level = 0}, {.level = 10}};
   for (const Settings& settings : cases) {
     EXPECT_EQ(Start(settings), 1);
     EXPECT_EQ(Bars(Errors(), written_), "|77");

@@ -48,17 +48,35 @@ std::size_t FailToPut(std::size_t size, FILE* stream) {
 }  // namespace
 
 extern "C" {
+// What calls are named in the library's objects, where that depends on the machine.
+#ifdef VINTRA_WIDE_TIME
+#define VINTRA_FSTAT __fstat64_time64
+#define VINTRA_LOCALTIME __localtime64_r
+#else
+#define VINTRA_FSTAT fstat64
+#define VINTRA_LOCALTIME localtime_r
+#endif
+#if __SIZEOF_POINTER__ == 8
+#define VINTRA_NEW _ZnwmRKSt9nothrow_t
+#else
+#define VINTRA_NEW _ZnwjRKSt9nothrow_t
+#endif
+
 // A call that passes everything on, or fails.
 // clang-format off
+#define VINTRA_JOIN(front, name) front##name
+#define VINTRA_NAME(front, name) VINTRA_JOIN(front, name)
 #define VINTRA_CALL(result, name, kind, failure, parameters, ...) \
-  result __real_##name parameters; \
-  result __wrap_##name parameters { return Fails(#kind) ? failure : __real_##name(__VA_ARGS__); }
+  result VINTRA_NAME(__real_, name) parameters; \
+  result VINTRA_NAME(__wrap_, name) parameters { \
+    return Fails(#kind) ? failure : VINTRA_NAME(__real_, name)(__VA_ARGS__); \
+  }
 VINTRA_CALL(int, access, access, -1, (const char* path, int mode), path, mode)
 VINTRA_CALL(int, openat64, openat, -1, (int folder, const char* path, int flags), folder, path, flags)
 VINTRA_CALL(int, mkostemp64, mkostemp, -1, (char* path, int flags), path, flags)
 VINTRA_CALL(FILE*, fdopen, fdopen, nullptr, (int descriptor, const char* mode), descriptor, mode)
 VINTRA_CALL(int, setvbuf, setvbuf, -1, (FILE* stream, char* buffer, int mode, std::size_t size), stream, buffer, mode, size)
-VINTRA_CALL(int, fstat64, fstat, -1, (int descriptor, struct stat64* status), descriptor, status)
+VINTRA_CALL(int, VINTRA_FSTAT, fstat, -1, (int descriptor, struct stat64* status), descriptor, status)
 VINTRA_CALL(int, ftruncate64, ftruncate, -1, (int descriptor, off64_t size), descriptor, size)
 VINTRA_CALL(ssize_t, read, read, -1, (int descriptor, void* bytes, std::size_t size), descriptor, bytes, size)
 VINTRA_CALL(ssize_t, pread64, pread, -1, (int descriptor, void* bytes, std::size_t size, off64_t at), descriptor, bytes, size, at)
@@ -69,11 +87,11 @@ VINTRA_CALL(int, remove, remove, -1, (const char* path), path)
 VINTRA_CALL(int, rmdir, rmdir, -1, (const char* path), path)
 VINTRA_CALL(DIR*, opendir, opendir, nullptr, (const char* path), path)
 VINTRA_CALL(DIR*, fdopendir, fdopendir, nullptr, (int descriptor), descriptor)
-VINTRA_CALL(void*, _ZnwmRKSt9nothrow_t, new, nullptr, (std::size_t size, const std::nothrow_t& tag), size, tag)
+VINTRA_CALL(void*, VINTRA_NEW, new, nullptr, (std::size_t size, const std::nothrow_t& tag), size, tag)
 VINTRA_CALL(int, vasprintf, vasprintf, -1, (char** text, const char* format, va_list args), text, format, args)
 VINTRA_CALL(int, __vasprintf_chk, vasprintf, -1, (char** text, int flag, const char* format, va_list args), text, flag, format, args)
 VINTRA_CALL(int, pthread_mutex_init, mutex, ENOMEM, (pthread_mutex_t* mutex, const pthread_mutexattr_t* kind), mutex, kind)
-VINTRA_CALL(std::tm*, localtime_r, localtime, nullptr, (const std::time_t* second, std::tm* local), second, local)
+VINTRA_CALL(std::tm*, VINTRA_LOCALTIME, localtime, nullptr, (const std::time_t* second, std::tm* local), second, local)
 VINTRA_CALL(std::size_t, strftime, strftime, 0, (char* text, std::size_t size, const char* format, const std::tm* local), text, size, format, local)
 #undef VINTRA_CALL
 // clang-format on
@@ -116,6 +134,14 @@ int __wrap___asprintf_chk(char** text, int flag, const char* format, ...) {
   va_end(args);
   return length;
 }
+#ifdef VINTRA_WIDE_TIME
+int __wrap___clock_gettime64(clockid_t, timespec* now) {
+  if (Fails("time") || fake.coarse_second == -1) return -1;
+  *now = {fake.coarse_second.fetch_add(fake.seconds_per_reading), 0};
+  now->tv_nsec = fake.millisecond * 1000000L;
+  return 0;
+}
+#else
 std::time_t __wrap_time(std::time_t*) {
   return Fails("time") ? -1 : fake.coarse_second.fetch_add(fake.seconds_per_reading);
 }
@@ -124,6 +150,7 @@ int __wrap_ftime(timeb* now) {
   *now = {fake.fine_second.fetch_add(fake.seconds_per_reading), fake.millisecond, 0, 0};
   return 0;
 }
+#endif
 int __wrap_dladdr(const void*, Dl_info* info) {
   info->dli_fname = fake.library_file.c_str();
   return Fails("dladdr") ? 0 : 1;
@@ -162,7 +189,7 @@ std::size_t __wrap_fwrite_unlocked(const void* bytes, std::size_t size, std::siz
 }
 int __wrap_fsync(int descriptor) {
   struct stat64 status {};
-  __real_fstat64(descriptor, &status);
+  VINTRA_NAME(__real_, VINTRA_FSTAT)(descriptor, &status);
   if (fake.notes_calls && fake.calls.find("fsync") == std::string::npos) fake.synced_size = status.st_size;
   return Fails("fsync") ? -1 : __real_fsync(descriptor);
 }

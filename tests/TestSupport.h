@@ -29,10 +29,12 @@
 namespace fs = std::filesystem;
 using namespace std::string_literals;
 
-constexpr std::time_t kStart = 1794835454;             // 2026-11-16 13:24:14 UTC
-// In years that have no number for the C library, and for the name of a file. There are none in 32 bits.
-constexpr std::time_t kNoYear = sizeof(std::time_t) > 4 ? static_cast<std::time_t>(std::int64_t{1} << 60) : -1;
-constexpr std::time_t kFarYear = sizeof(std::time_t) > 4 ? static_cast<std::time_t>(std::int64_t{1} << 43) : -1;
+constexpr std::time_t kStart = 1794835454;              // 2026-11-16 13:24:14 UTC
+constexpr std::time_t kNoYear = std::time_t{1} << 60;   // in a year that has no number
+constexpr std::time_t kFarYear = std::time_t{1} << 43;  // in one that the name of a file has no room for
+
+// Where seconds are wider than the machine the library reads the clock once.
+constexpr bool kHasOneClock = sizeof(std::time_t) > sizeof(long);
 
 enum class Fault {
   kOnce,
@@ -61,7 +63,7 @@ struct FakeSystem {
   Fault fault = Fault::kOnce;
   int error = EIO;  // of the call that fails
   bool has_failed = false;
-  long synced_size = -1;  // of the first file that was synced
+  off_t synced_size = -1;  // of the first file that was synced
 
   void SetClock(std::time_t second) { coarse_second = fine_second = second; }
   void NoteCalls(const std::string& failing = "", Fault how = Fault::kOnce) {

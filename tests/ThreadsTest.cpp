@@ -93,7 +93,9 @@ TEST_F(ThreadsTest, FilesAndFoldersServeManyThreads) {
 }
 
 TEST_F(ThreadsTest, CancelledThreadsLeaveTheHandleUsableAndNoRecordTwice) {
-#ifndef __SANITIZE_ADDRESS__  // which takes the unwinding of a cancelled thread for an overflow
+#ifdef __SANITIZE_ADDRESS__
+  GTEST_SKIP() << "AddressSanitizer takes the unwinding of a cancelled thread for an overflow";
+#endif
   Open({"%N", 100, 500, "app.log", Log_Mode_Rollback});
   int number = 0;
   for (int round = 0; round < 200; ++round) {
@@ -115,7 +117,6 @@ TEST_F(ThreadsTest, CancelledThreadsLeaveTheHandleUsableAndNoRecordTwice) {
     for (std::string line; std::getline(lines, line, '\n');)
       EXPECT_TRUE(seen.insert(line.substr(0, line.rfind('|'))).second) << line;
   }
-#endif
 }
 
 }  // namespace

@@ -314,7 +314,7 @@ head -c 9000000 /dev/zero | tr '\0' 'x' | fold -w 99 >large
 cat large | { dd iflag=nonblock oflag=nonblock count=0 status=none; "$vintra" cat --scramble; } | "$vintra" cat | cmp - large
 
 # Colours and progress are for terminals.
-script -qec true /dev/null </dev/null >/dev/null 2>&1 || { echo "no terminal to be had: colours and progress are not tested"; exit 0; }
+script -qec true /dev/null </dev/null >/dev/null 2>&1 || { echo "skipped: colours and progress, as no terminal is to be had"; exit 0; }
 on_terminal() { TERM=xterm script -qec "$1" /dev/null </dev/null; }
 on_terminal "'$vintra' check check.ini bad" | grep -q "$(printf '\033')\[31m" || fail "no colours on a terminal"
 ! on_terminal "NO_COLOR=1 '$vintra' check check.ini bad" | grep -q "$(printf '\033')" || fail "NO_COLOR is not heeded"

@@ -5,7 +5,7 @@ set -eu
 export LC_ALL=C
 cpack=$1
 build=$2
-command -v dpkg-gensymbols >/dev/null || { echo "dpkg-dev is not here: not tested"; exit 77; }
+command -v dpkg-gensymbols >/dev/null || { echo "skipped: dpkg-dev is not here"; exit 77; }
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 

@@ -254,7 +254,7 @@ with_lnav() {
 tried=
 for program in rsyslogd lnav; do
   if ! command -v $program >/dev/null; then
-    echo "$program is not here: not tested"
+    echo "skipped: $program is not here"
     continue
   fi
   tried=y

@@ -16,10 +16,10 @@ fail() {
   exit 1
 }
 
-# use HOW PROGRAM PREFIX LANGUAGE: the program finds the library by its SONAME, in the prefix
+# use HOW PROGRAM PREFIX LANGUAGE [FOLDER]: the program finds the library by its SONAME, in the prefix, or has it in itself
 use() {
   rm -f "$work/app.log"
-  [ "$("$2" "$work/app.log")" = "$3/$libdir/" ] || fail "$1: the library lies elsewhere"
+  [ "$("$2" "$work/app.log")" = "${5-$3/$libdir/}" ] || fail "$1: the library lies elsewhere"
   [ "$("$3/bin/vintra" cat "$work/app.log")" = "[INFO]    from $4" ] || fail "$1: the log is not what was written"
 }
 
@@ -35,6 +35,8 @@ for prefix in "$work/one" "$work/two words"; do
   "$cmake" --build "$prefix/build" >"$work/built" 2>&1 || { cat "$work/built"; exit 1; }
   use "CMake, C" "$prefix/build/consumer_c" "$prefix" C
   use "CMake, C++" "$prefix/build/consumer_cxx" "$prefix" C++
+  use "CMake, static" "$prefix/build/consumer_static" "$prefix" C "$prefix/build/"
+  ! ldd "$prefix/build/consumer_static" | grep libvintra || fail "the static library is not linked"
 
   export PKG_CONFIG_PATH="$prefix/$libdir/pkgconfig"
   [ "$(pkg-config --modversion vintra)" = "$("$prefix/bin/vintra" --version | cut -d ' ' -f 2)" ] || fail "another version"
@@ -44,6 +46,9 @@ for prefix in "$work/one" "$work/two words"; do
   use "pkg-config, C" "$work/consumer" "$prefix" C
   eval "'$cxx' -std=c++11 '$source_dir/tests/consumer/consumer.cpp' -o '$work/consumer' $flags '-Wl,-rpath,$prefix/$libdir'"
   use "pkg-config, C++" "$work/consumer" "$prefix" C++
+  flags=$(pkg-config --static --cflags --libs vintra)
+  eval "'$cc' -std=c99 -static '$source_dir/tests/consumer/consumer.c' -o '$work/consumer' $flags"
+  use "pkg-config, static" "$work/consumer" "$prefix" C ''
 done
 
 # A library folder of its own leaves the headers below the prefix.
@@ -73,7 +78,8 @@ EOF
 grep -q 'CPACK_PACKAGE_NAME "host"' "$work/host/build/CPackConfig.cmake" || fail "a host's packages are replaced"
 
 pages=$work/one/share/man
-[ -d "$pages" ] || { echo "manual pages were not built, and so are not tested"; exit 0; }
+export GROFF_NO_SGR=1 MANROFFOPT=-c # text without the escapes of a terminal, whatever man's version
+[ -d "$pages" ] || { echo "skipped: the manual pages, as they were not built"; exit 0; }
 for page in "$pages"/man?/*; do
   warnings=$(cd "$pages" && LC_ALL=C.UTF-8 man --warnings -E UTF-8 -Tutf8 -l "$page" 2>&1 >"$work/raw")
   sed "s/.$(printf '\b')//g" "$work/raw" >"$work/page" # without the marks of bold type

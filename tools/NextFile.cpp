@@ -45,7 +45,7 @@ Candidate Examine(const LogConfigRecEx& config, uint32 number) {
   if (*drive == '\0') GetDLLDir(front);
   std::replace(folder, folder + sizeof folder, '\\', '/');
   Candidate candidate{std::string(front) + drive + folder + base};
-  if (config.log_mode == Log_Mode_Date) candidate.path += "_" + Today() + "_";
+  if (config.log_mode == Log_Mode_Date) candidate.path += '_' + Today() + '_';
   if (config.log_mode != Log_Mode_Simple) candidate.path += Padded(number);
   candidate.path += extension;
   candidate.exists = stat(candidate.path.c_str(), &candidate.status) == 0;
