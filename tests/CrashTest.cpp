@@ -34,9 +34,10 @@ class CrashTest : public LogTest {
             mmap(nullptr, sizeof *last_, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0))) {}
   ~CrashTest() override { munmap(last_, sizeof *last_); }
 
-  // Runs work in a process of its own. Returns its exit status, or with kill_after its being killed.
+  // Runs work in a process of its own. Returns its exit status, or its being killed. It is killed after it
+  // has come so far that last_ is kill_at, and some microseconds: however slow the machine is.
   template <typename Work>
-  static int InChild(const Work& work, int kill_after = -1) {
+  int InChild(const Work& work, int kill_at = -1, int kill_after = 0) {
     std::fflush(stdout);
     const pid_t child = fork();
     if (child == 0) {
@@ -44,7 +45,10 @@ class CrashTest : public LogTest {
       std::fflush(nullptr);
       _exit(HasFailure() ? 1 : 0);
     }
-    if (kill_after >= 0) {
+    if (kill_at >= 0) {
+      siginfo_t ended{};  // by itself, which is an error
+      while (*last_ < kill_at && ended.si_pid == 0)
+        waitid(P_PID, static_cast<id_t>(child), &ended, WEXITED | WNOHANG | WNOWAIT);
       std::this_thread::sleep_for(std::chrono::microseconds(kill_after));
       kill(child, SIGKILL);
     }
@@ -102,7 +106,7 @@ TEST_F(CrashTest, KilledWritersLoseNothingThatWasFlushed) {
                       }
                       pause();
                     },
-                    static_cast<int>(random() % 6000)),
+                    next - 1 + static_cast<int>(random() % 1000), static_cast<int>(random() % 500)),
                 -SIGKILL);
       int torn = 0;
       const std::vector<int> numbers = Numbers(torn);
@@ -148,7 +152,7 @@ TEST_F(CrashTest, KilledRewritesLeaveTheOldFileOrTheNewOne) {
                          ++number)
                       *last_ = number;
                   },
-                  static_cast<int>(random() % 6000)),
+                  *last_ + static_cast<int>(random() % 4), static_cast<int>(random() % 2000)),
               -SIGKILL);
     const std::string now = ReadFile("x.ini");
     ASSERT_TRUE(now == content(*last_) || now == content(*last_ + 1));

@@ -72,7 +72,6 @@ extern "C" {
     return Fails(#kind) ? failure : VINTRA_NAME(__real_, name)(__VA_ARGS__); \
   }
 VINTRA_CALL(int, access, access, -1, (const char* path, int mode), path, mode)
-VINTRA_CALL(int, openat64, openat, -1, (int folder, const char* path, int flags), folder, path, flags)
 VINTRA_CALL(int, mkostemp64, mkostemp, -1, (char* path, int flags), path, flags)
 VINTRA_CALL(FILE*, fdopen, fdopen, nullptr, (int descriptor, const char* mode), descriptor, mode)
 VINTRA_CALL(int, setvbuf, setvbuf, -1, (FILE* stream, char* buffer, int mode, std::size_t size), stream, buffer, mode, size)
@@ -99,7 +98,9 @@ VINTRA_CALL(std::size_t, strftime, strftime, 0, (char* text, std::size_t size, c
 // The rest differ when they succeed, or fail with what they were called for done in part.
 void* __real_malloc(std::size_t size);
 void* __real_realloc(void* block, std::size_t size);
+// Declared as it is: what takes any number of arguments is called in another way on some machines.
 int __real_open64(const char* path, int flags, ...);
+int __real_openat64(int folder, const char* path, int flags, ...);
 std::FILE* __real_fopen64(const char* path, const char* mode);
 int __real_mkdir(const char* path, mode_t mode);
 ssize_t __real_write(int descriptor, const void* bytes, std::size_t size);
@@ -166,6 +167,9 @@ int __wrap_open64(const char* path, int flags, ...) {
   va_end(args);
   if ((flags & O_TRUNC) != 0 && fake.before_emptying) fake.before_emptying(path);
   return Fails("open") ? -1 : __real_open64(path, flags, mode);
+}
+int __wrap_openat64(int folder, const char* path, int flags, ...) {
+  return Fails("openat") ? -1 : __real_openat64(folder, path, flags);
 }
 std::FILE* __wrap_fopen64(const char* path, const char* mode) {
   const bool is_proc = fs::path(path).parent_path() == "/proc";
