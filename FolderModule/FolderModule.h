@@ -130,9 +130,9 @@ VINTRA_API int CustomWriteFile(const char* filename, const char* mode, const cha
  *       fails on the way, what came before: errno then says why, and is left alone otherwise.
  *    0  filename or realLen is null, or the file is not there, cannot be opened, is a folder or does not tell
  *       its status: msg and *realLen are as they were
- *   -1  msg is null, whatever length is, or the file has more than length bytes: *realLen says how many it
- * has, 0 where it does not tell its size, and INT_MAX where it has 2 GiB or more, which cannot be read with
- *       one call; msg is as it was
+ *   -1  msg is null, whatever length is, or the file has more than length bytes: *realLen says how many.
+ *       That is 0 where it does not tell its size, and INT_MAX where it has 2 GiB or more, which cannot be
+ *       read with one call. msg is as it was.
  */
 VINTRA_API int CustomReadFile(const char* filename, char* msg, int length, int* realLen);
 

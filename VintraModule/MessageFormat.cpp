@@ -209,8 +209,10 @@ sint8* WriteDecimal(sint8* at, std::uint64_t number) {
     }
     return pairs;
   }();
-  const auto write_pair = [&at](std::uint32_t pair) { std::memcpy(at -= 2, &kPairs[2 * pair], 2); };
-  for (; number > UINT32_MAX; number /= 100) write_pair(static_cast<std::uint32_t>(number % 100));
+  const auto write_pair = [&at](std::uint64_t pair) {
+    std::memcpy(at -= 2, &kPairs[static_cast<std::size_t>(2 * pair)], 2);
+  };
+  for (; number > UINT32_MAX; number /= 100) write_pair(number % 100);
   auto rest = static_cast<std::uint32_t>(number);  // whose divisions cost half
   for (; rest >= 100; rest /= 100) write_pair(rest % 100);
   if (rest >= 10) {

@@ -44,7 +44,7 @@ sint8* LendBuffer(FILE* stream, sint8* buffer, std::size_t size) {
 
 namespace {
 
-// Not so for a stream without a buffer, which holds nothing.
+// A stream that was lent no buffer holds nothing, or holds it where nobody can reach it.
 bool IsInReach(const sint8* held) { return held != nullptr; }
 
 sint8* Held(FILE*, sint8* held) { return held; }
@@ -54,8 +54,10 @@ std::size_t HeldSize(FILE* stream) { return __fpending(stream); }
 // Leaves size bytes of what the stream holds, from begin on: it drops all and gets them once more, each in
 // its old place or in front of it.
 void KeepHeld(FILE* stream, const sint8* held, std::size_t begin, std::size_t size) {
+  const int error = errno;  // of the write that has left them
   __fpurge(stream);
   for (std::size_t at = begin; at < begin + size; ++at) putc_unlocked(held[at], stream);
+  errno = error;
 }
 
 bool HasRoom(FILE* stream, std::size_t size) { return HeldSize(stream) + size <= __fbufsize(stream); }
@@ -97,9 +99,7 @@ bool WritePending(FILE* stream, sint8* held) {
     if (count < 0) break;
     written += static_cast<std::size_t>(count);
   }
-  const int error = errno;
   KeepHeld(stream, held, written, size - written);
-  errno = error;
   return written == size;
 }
 
