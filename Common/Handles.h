@@ -49,9 +49,13 @@ inline ssize_t WriteSome(int descriptor, std::string_view bytes) {
 
 class FileDescriptor {
  public:
+  FileDescriptor() = default;
   explicit FileDescriptor(int descriptor) : descriptor_(descriptor) {}
   FileDescriptor(FileDescriptor&& other) noexcept : descriptor_(other.release()) {}
-  FileDescriptor& operator=(const FileDescriptor&) = delete;
+  FileDescriptor& operator=(FileDescriptor&& other) noexcept {
+    std::swap(descriptor_, other.descriptor_);
+    return *this;
+  }
   ~FileDescriptor() {
     if (*this) close(descriptor_);
   }
@@ -81,16 +85,25 @@ class FileDescriptor {
   }
 
  private:
-  int descriptor_;
+  int descriptor_ = -1;
 };
 
-// Moves a descriptor out of the places of the standard streams, which a host may have closed: what it goes on
-// writing to such a stream would otherwise land in the file. Returns a descriptor that holds nothing where
-// there is no other place.
-inline FileDescriptor AboveStandard(FileDescriptor file) {
-  if (!file || file.get() > STDERR_FILENO) return file;
-  return FileDescriptor(fcntl(file.get(), F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
-}
+// Holds the places of the standard streams that a host has closed, as long as a file is being opened: what
+// the host goes on writing to such a stream would otherwise land in the file. It fails as before meanwhile.
+class StandardPlaces {
+ public:
+  StandardPlaces() {
+    for (const int place : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+      if (fcntl(place, F_GETFD) == -1) held_[place] = FileDescriptor(open("/", O_PATH | O_CLOEXEC));
+    }
+  }
+  StandardPlaces(const StandardPlaces&) = delete;
+  StandardPlaces& operator=(const StandardPlaces&) = delete;
+  ~StandardPlaces() = default;
+
+ private:
+  FileDescriptor held_[STDERR_FILENO + 1];
+};
 
 // Puts off the cancellation of the calling thread. Opening and closing files are cancellation points, and a
 // thread that ended between the two would leave a handle without a file, or end within a destructor.

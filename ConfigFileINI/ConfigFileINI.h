@@ -121,7 +121,7 @@ VINTRA_API sint32 GetConfigFileKeys(const sint8* section, sint8* keys, sint32 ke
  * the old content stays (of a new file nothing, though the file may be there), and an unfinished file
  * "Ini_temp_XXXXXX", with any six characters at its end, may stay beside it. Where only the folder cannot be
  * brought to the disk, the new file is there and counts as written, but a crash of the machine may bring the
- * old one back.
+ * old one back. Where the file system knows no syncing, files count as written without it.
  *
  * Returns 1 when the key is written, else 0:
  *   a null or empty text; the empty value cannot be written

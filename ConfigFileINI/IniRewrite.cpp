@@ -122,6 +122,7 @@ class TemporaryFile {
     if (folder.size() + sizeof kTemporaryName > sizeof name_) return;
     std::memcpy(name_, folder.data(), folder.size());
     std::memcpy(name_ + folder.size(), kTemporaryName, sizeof kTemporaryName);
+    const StandardPlaces places;
     FileDescriptor descriptor(mkostemp(name_, O_CLOEXEC));
     if (!descriptor) return;
     stream_.reset(fdopen(descriptor.get(), "w"));
@@ -185,6 +186,7 @@ sint32 InsertKey(const INIFileRec& found, const KeyLine& line) {
 
 sint32 AppendSection(const sint8* path, bool is_missing, std::string_view section, const KeyLine& line) {
   if (section.size() + 2 > kLongestLine) return kNotWritten;
+  const StandardPlaces places;
   const FileDescriptor file(open(path, O_RDWR | O_CREAT | O_APPEND | O_CLOEXEC, 0666));
   struct stat before {};
   if (!file || fstat(file.get(), &before) != 0) return kNoTarget;

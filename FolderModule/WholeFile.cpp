@@ -40,6 +40,7 @@ int CustomWriteFile(const char* filename, const char* mode, const char* msg, int
   char own_mode[kModeSize];
   const int size = std::snprintf(own_mode, sizeof own_mode, "%.1se%s", mode, *mode == '\0' ? "" : mode + 1);
   if (size < 0 || static_cast<std::size_t>(size) >= sizeof own_mode) return 0;
+  const vintra::StandardPlaces places;
   const vintra::FilePtr file(std::fopen(filename, own_mode));
   if (!file || length == 0) return 0;
   // Without a buffer the write itself meets a full disk, and not the closing, which could not report it.

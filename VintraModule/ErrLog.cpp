@@ -54,8 +54,8 @@ sint32 PrintErrLog(const sint8* file_name, uint32 line, const sint8* format, ...
   vintra::ReadClock(stamp);
   sint8 path[kErrLogPathSize];
   ComposeErrLogPath(path);
-  const vintra::FileDescriptor file = vintra::AboveStandard(
-      vintra::FileDescriptor(open(path, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666)));
+  const vintra::StandardPlaces places;
+  const vintra::FileDescriptor file(open(path, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666));
   if (!file) return 0;
   if (!stamp.is_valid) return vintra::kClockUnreadable;
 

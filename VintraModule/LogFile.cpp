@@ -31,27 +31,19 @@ void PrepareStream(LogHandleRec& handle) {
   handle.held = LendBuffer(handle.file_out, handle.stream_buffer, size);
 }
 
-FILE* OpenByDescriptor(const sint8* path, int flags, const char* mode) {
-  constexpr int kAlways = O_CREAT | O_APPEND | O_CLOEXEC;
-  FileDescriptor file = AboveStandard(FileDescriptor(open(path, kAlways | flags, 0666)));
-  FILE* const stream = file ? fdopen(file.get(), mode) : nullptr;
+// Empties in append mode, for which fopen has no mode of its own.
+FILE* OpenEmptied(const sint8* path) {
+  FileDescriptor file(open(path, O_WRONLY | O_TRUNC | O_CREAT | O_APPEND | O_CLOEXEC, 0666));
+  FILE* const stream = file ? fdopen(file.get(), "ab") : nullptr;
   if (stream != nullptr) static_cast<void>(file.release());
   return stream;
 }
 
-// fopen alone costs a system call less, but cannot choose the descriptor.
-FILE* OpenToAppend(const sint8* path) {
-  FILE* const stream = std::fopen(path, "ab+e");
-  if (stream == nullptr || fileno(stream) > STDERR_FILENO) return stream;
-  std::fclose(stream);
-  return OpenByDescriptor(path, O_RDWR, "ab+");
-}
-
 // Always in append mode: after a truncation by somebody else the next record stands at the new end and leaves
-// no hole. fopen has no mode that also empties.
+// no hole.
 bool OpenPath(LogHandleRec& handle, const sint8* path, OpenMode mode) {
-  handle.file_out =
-      mode == OpenMode::kAppend ? OpenToAppend(path) : OpenByDescriptor(path, O_WRONLY | O_TRUNC, "ab");
+  const StandardPlaces places;
+  handle.file_out = mode == OpenMode::kAppend ? std::fopen(path, "ab+e") : OpenEmptied(path);
   if (handle.file_out == nullptr) return false;
   PrepareStream(handle);
   return true;
@@ -90,8 +82,9 @@ bool HandOverRecords(LogHandleRec& handle, const sint8* next_name, sint8* path) 
   // Room may come back. Where something else is wrong the next file may do better, and so it may when as much
   // has been refused here as a file holds: closing this one then reports.
   const bool may_get_room = errno == ENOSPC || errno == EDQUOT;
-  if (!may_get_room || handle.file_size / 2 > handle.max_file_size) return true;
+  if (!may_get_room || handle.file_size / 2 >= handle.max_file_size) return true;
   if (JoinPath({path, kPathSize}, handle.log_file_path, next_name, handle.log_file_ext)) {
+    const StandardPlaces places;
     const FileDescriptor next(open(path, O_WRONLY | O_TRUNC | O_CLOEXEC));
     if (next && WritePending(handle.file_out, handle.held)) return true;
   }

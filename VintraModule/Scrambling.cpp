@@ -34,6 +34,7 @@ void ScrambleApart(sint8* __restrict dest, const sint8* __restrict source, std::
 // Opens new_path for writing from empty, unless it is the file that other tells of. That shows only after the
 // opening, so emptying waits until then. Returns a descriptor that holds nothing on failure.
 FileDescriptor OpenEmptied(const sint8* new_path, const struct stat& other) {
+  const StandardPlaces places;
   FileDescriptor file(open(new_path, O_WRONLY | O_CREAT | O_CLOEXEC, 0666));
   struct stat status {};
   if (!file || fstat(file.get(), &status) != 0) return FileDescriptor(-1);

@@ -77,6 +77,7 @@ sint8* FirstPlace(FILE* stream, sint8* buffer) {
 }  // namespace
 
 sint8* LendBuffer(FILE* stream, sint8* buffer, std::size_t size) {
+  const StreamLock lock(stream);  // or another thread could flush the mark
   const bool is_lent = buffer != nullptr && setvbuf(stream, buffer, _IOFBF, size) == 0;
   sint8* const held = is_lent ? FirstPlace(stream, buffer) : nullptr;
   // What is held back out of reach could get lost.

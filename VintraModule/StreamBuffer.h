@@ -43,7 +43,7 @@ class StreamLock {
 sint8* LendBuffer(FILE* stream, sint8* buffer, std::size_t size);
 
 // Hands all that the stream holds to the system. On failure it goes on holding what the system has not taken,
-// where fflush would drop it. Here and below the stream is locked.
+// where fflush would drop it. From here on the stream is locked by the caller.
 bool WritePending(FILE* stream, sint8* held);
 
 // Takes back the last size bytes, or as many of them as the stream still holds.

@@ -47,8 +47,8 @@
  * for signal handlers, nor for the constructors of a library that dlopen is loading.
  *
  * Files are opened close-on-exec and in append mode, so that another program may truncate or append to one.
- * They never get the descriptors 0, 1 and 2, also where the host has closed these. Sizes are 32-bit: a log file
- * is meant to stay below 2 GiB.
+ * They never get the descriptors 0, 1 and 2, also where the host has closed these. Sizes are 32-bit: a log
+ * file is meant to stay below 2 GiB.
  */
 #ifndef VINTRA_VINTRAMODULE_VINTRAMODULE_H
 #define VINTRA_VINTRAMODULE_VINTRAMODULE_H
@@ -100,9 +100,10 @@ typedef enum LogLevel VINTRA_ENUM_BASE {
  * today and of the six days before stay. A file is the log's when its name is the base name, a character,
  * eight digits, four characters and the extension: a number of four digits is not matched, and another log of
  * the same name is; so is a folder with such a name, which goes if it is empty. In the first hour or two of a
- * day in summer time ages count one day less. Records through the handle wait for the pass. It ends, without a
- * report, at what cannot be removed, such as a folder that is not empty; the next pass tries again. A log that
- * cannot move on for want of room repeats it every quarter of an hour. In the folder "/" nothing is matched.
+ * day in summer time ages count one day less. Records through the handle wait for the pass. It ends, without
+ * a report, at what cannot be removed, such as a folder that is not empty; the next pass tries again. A log
+ * that cannot move on for want of room repeats it every quarter of an hour. In the folder "/" nothing is
+ * matched.
  *
  * Without a usable clock the date mode neither starts up nor writes a record, and keeps its file: 12.
  */
@@ -123,8 +124,8 @@ typedef struct LogConfigRec {
   sint8 log_file_name[VINTRA_PATH_SIZE];
   LogMode log_mode;
   LogLevel log_level; /* the threshold, fixed for the handle's life */
-  /* Size limit of a log file in bytes, at least 1. What is above 2147483647 means 2147483647, so that UINT32_MAX
-   * is as good as no limit. A record is always written whole, so a file may end one record above its limit. */
+  /* Size limit of a log file in bytes, at least 1. What is above 2147483647 means 2147483647, the largest
+   * that there is. A record is always written whole, so a file may end one record above its limit. */
   uint32 max_file_size;
   uint32 max_backup_index; /* files of a ring or day, 0 for no end; the simple mode does not use it */
   /* Flush when this many bytes are unflushed. 0 flushes after every record, which is then safe from the death
@@ -195,11 +196,9 @@ extern "C" {
  *
  * Returns
  *   0  *a_log_handle holds a live handle, to be destroyed with LOG_MODULE_DESTORY
- *   1  a null argument, a max_file_size of 0, an empty log_file_name or base name, a base name or extension of
- *      more than 63 characters, a level outside 1 to 9, or a mode outside 1 to 3
- *   2, 4, 5, 9  as listed at the top
- *   12  the date mode has no usable clock
- * After any but 0 no handle exists, and *a_log_handle is as it was.
+ *   1  a null argument, a max_file_size of 0, an empty log_file_name or base name, a base name or extension
+ * of more than 63 characters, a level outside 1 to 9, or a mode outside 1 to 3 2, 4, 5, 9  as listed at the
+ * top 12  the date mode has no usable clock After any but 0 no handle exists, and *a_log_handle is as it was.
  */
 VINTRA_API sint32 LOG_MODULE_INIT_Ex(const LogConfigRec* a_log_config, LOGHANDLE* a_log_handle);
 

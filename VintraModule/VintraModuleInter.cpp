@@ -234,7 +234,7 @@ sint32 MoveOn(LogHandleRec& handle, const sint8* name, sint8* path) {
 
 // Removes expired files, which may make the room that the current file waits for. A log that goes on waiting
 // does not list its folder for each record that it refuses: ages change with the day, and days begin at
-// quarters of an hour, in every time zone.
+// quarters of an hour, wherever people live.
 void RemoveBeforeRoll(LogHandleRec& handle) {
   constexpr std::time_t kQuarter = 900;
   const std::time_t quarter = handle.stamp.second / kQuarter + 1;  // not 0 on a machine that boots in 1970

@@ -36,9 +36,9 @@ pkg-config need to build programs with Vintra.")
 set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME vintra-tools)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION utils)
 set(CPACK_COMPONENT_TOOLS_DEPENDS runtime)
-set(CPACK_COMPONENT_TOOLS_DESCRIPTION "The command vintra reads and follows scrambled logs, writes standard input
-into a log, and checks the log sections of INI files. With configurations for
-rsyslog and lnav.")
+set(CPACK_COMPONENT_TOOLS_DESCRIPTION "The command vintra shows and follows logs, scrambled or not, writes standard
+input into a log, and checks the log sections of INI files. With
+configurations for rsyslog and lnav.")
 
 # Since which version a program that uses a symbol works: all of them since the first one.
 file(STRINGS tests/exports.txt exports)

@@ -48,8 +48,8 @@ test_packages=("${build_packages[@]}" "${man_packages[@]}" libgtest-dev clang pk
 variant_rows=()
 variants_failed=0
 
-# try_variant NAME RUN CMAKE_ARGUMENT...: builds GoogleTest and the tests, and calls RUN with the folder of the build. Its
-# last line goes into the table.
+# try_variant NAME RUN CMAKE_ARGUMENT...: builds GoogleTest and the tests, and calls RUN with the folder of the build.
+# Its last line goes into the table.
 try_variant() {
   local name=$1 run=$2 folder=$root/build/variants/$1 result
   shift 2
@@ -84,8 +84,8 @@ run_tests() {
   output=$("$@" --gtest_brief=1 2>&1) || { printf '%s\n' "$output"; return 1; }
   printf '%s\n' "$output"
   local skipped
-  skipped=$(grep -c '^\[  SKIPPED \]' <<<"$output") || true
-  sed -n 's/^\[  PASSED  \] \([0-9]*\) tests.*/\1 tests passed/p' <<<"$output" | sed "s/\$/, $skipped skipped/"
+  skipped=$(sed -n 's/^\[  SKIPPED \] \([0-9]*\) tests\{0,1\}.*/\1/p' <<<"$output")
+  sed -n "s/^\[  PASSED  \] \([0-9]*\) tests.*/\1 tests passed, ${skipped:-0} skipped/p" <<<"$output"
 }
 
 show_variants() {

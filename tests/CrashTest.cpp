@@ -173,17 +173,20 @@ class FullDiskTest : public CrashTest {
         if (!waits && flush != 0 && mode != Log_Mode_Simple) continue;
         fake.SetClock(kStart);
         const uint32 limit = mode == Log_Mode_Simple ? 1U << 30 : 100000;
-        Open({"%N", flush, limit, "disk/app.log", mode, 1000, 2});
+        Open({"%N", flush, limit, "disk/app.log", mode, 1000, 3});
+        const std::string expiring = "disk/app_20261115_900.log";  // while the log waits
+        if (mode == Log_Mode_Date) WriteFile(expiring, std::string(20000, 'o'));
         std::vector<int> accepted;
         fake.NoteCalls();
         for (int number = 0; number < 500; ++number) {
           if (number == 100) fill();
-          if (number == 250) fake.SetClock(kStart + 86400);
+          if (number == 250 || number == 300) fake.SetClock(fake.coarse_second + 86400);
           if (number == 400) free();
           if (WriteText(handle_, number) == 0) accepted.push_back(number);
           ++records;
         }
         fake.notes_calls = false;
+        EXPECT_FALSE(fs::exists(expiring));
         EXPECT_LE(fake.calls_of_kind["opendir"], 5) << "not for each record that is refused";
         Close();
         fs::current_path("disk");
@@ -191,7 +194,7 @@ class FullDiskTest : public CrashTest {
         EXPECT_EQ(Numbers(torn), accepted) << flush << " " << mode;
         EXPECT_LT(accepted.size(), 500);
         EXPECT_EQ(accepted.back(), 499);
-        EXPECT_TRUE(mode != Log_Mode_Date || flush == 0 || fs::file_size("app_20261117_000.log") > 0);
+        EXPECT_TRUE(mode != Log_Mode_Date || flush == 0 || fs::file_size("app_20261118_000.log") > 0);
         EXPECT_LE(torn, flush == 0 ? 300 : 1) << "of those that were refused, the beginning at most";
         refused += 500 - static_cast<int>(accepted.size());
         for (const auto& entry : fs::directory_iterator(".")) fs::remove(entry);

@@ -104,6 +104,16 @@ TEST_F(RotationTest, MessagesOfWritesFlushesAndClosesThatFail) {
             "LogMsg fflush" + failed + "logMsgWriteFile fwrite failed(errorcode:0).\nLogMsg fclose" + failed);
 }
 
+TEST_F(RotationTest, WaitsForRoomUntilAsMuchWasRefusedAsTheLargestFileHolds) {
+  for (const uint32 size : {UINT32_MAX - 100, UINT32_MAX}) {
+    Open({"", 4096, UINT32_MAX, "/dev/full"});
+    EXPECT_EQ(Write(10), 0);
+    Record().file_size = size;
+    EXPECT_EQ(Write(10), 7);
+    EXPECT_EQ(Errors().find("fclose") != std::string::npos, size == UINT32_MAX) << "it has moved on";
+  }
+}
+
 TEST_F(RotationTest, FilesUnderOtherProgramsHands) {
   Open({"", 0, 100});
   for (const uint32 size : {20U, 150U}) {  // the latter is followed by a new file

@@ -70,12 +70,14 @@ cat logs/a.log | "$vintra" cat | cmp - a.txt
 "$vintra" cat --scramble a.txt | cmp - logs/a.log
 for plain in "cat a.txt" "cat --plain a.txt" "cat --scramble logs/a.log"; do "$vintra" $plain | cmp - a.txt; done
 "$vintra" cat --plain logs/a.log | cmp - logs/a.log
-# What has no blank, in which a few digits and letters are all that tells.
-for text in 'disk' 'x=1024' 'it'"'"'s' "$(printf 'a\tb\nc')" "$(printf '\303\244')"; do
+# What tells is a blank, a digit or a sign. Without them, and behind the NULs that a crash may leave, it is text.
+for text in 'a b' 'x=1024' "it's." "$(printf 'a\tb\n-c')"; do
   printf '%s' "$text" >text
-  for masking in --plain --scramble; do
-    [ "$text" = "$(printf '\303\244')" ] && [ $masking = --scramble ] || "$vintra" cat $masking text | "$vintra" cat | cmp - text
-  done
+  for masking in --plain --scramble; do "$vintra" cat $masking text | "$vintra" cat | cmp - text; done
+done
+for text in '' HELLO 1616 '\303\244' '\0\0\0\0\0\0a b'; do
+  printf "$text" >text
+  "$vintra" cat text | cmp - text
 done
 "$vintra" cat logs/a.log - <logs/a.log >twice
 lines twice >seen
@@ -173,24 +175,24 @@ wait $!
 # Following: what is there, what is added, a file emptied and grown beyond what it was, one replaced, one that comes.
 put() { printf '%s' "$2" | "$vintra" cat --scramble >>"$1"; }
 shows() { [ "$(tr '\r' '~' <followed)" = "$1" ]; }
-put live 'one'
+put live 'one.'
 "$vintra" cat -f live later >followed 2>err &
 follower=$!
-until_true shows 'one'
+until_true shows 'one.'
 put live "$(printf '\r\ntwo')"
-until_true shows "$(printf 'one~\ntwo')"
-printf '%s' "$(printf 'three\r\nis longer')" | "$vintra" cat --scramble >live
-until_true shows "$(printf 'one~\ntwo~\nthree~\nis longer')"
+until_true shows "$(printf 'one.~\ntwo')"
+printf '%s' "$(printf 'three.\r\nis longer')" | "$vintra" cat --scramble >live
+until_true shows "$(printf 'one.~\ntwo~\nthree.~\nis longer')"
 mv live gone
-put live 'four'
-until_true shows "$(printf 'one~\ntwo~\nthree~\nis longer~\nfour')"
-printf 'five' >later # in plain text, beside a scrambled one
-until_true shows "$(printf 'one~\ntwo~\nthree~\nis longer~\nfour~\nfive')"
+put live 'four.'
+until_true shows "$(printf 'one.~\ntwo~\nthree.~\nis longer~\nfour.')"
+printf 'five.' >later # in plain text, beside a scrambled one
+until_true shows "$(printf 'one.~\ntwo~\nthree.~\nis longer~\nfour.~\nfive.')"
 put live "$(printf '\r\nsix')"
-until_true shows "$(printf 'one~\ntwo~\nthree~\nis longer~\nfour~\nfive~\nsix')"
+until_true shows "$(printf 'one.~\ntwo~\nthree.~\nis longer~\nfour.~\nfive.~\nsix')"
 : >live
-put live 'seven'
-until_true shows "$(printf 'one~\ntwo~\nthree~\nis longer~\nfour~\nfive~\nsix~\nseven')"
+put live 'seven.'
+until_true shows "$(printf 'one.~\ntwo~\nthree.~\nis longer~\nfour.~\nfive.~\nsix~\nseven.')"
 [ "$(grep -c 'later: No such file' err)" = 1 ] || fail "nothing is said of a file that is not there"
 kill $follower
 wait $follower || true
@@ -273,6 +275,10 @@ exits 1 'no section \[a\]; a byte order mark' "$vintra" check marked.ini a
 exits 1 '^vintra: marked.ini:1: a byte order mark hides this line$' "$vintra" check marked.ini
 grep -q '^vintra: marked.ini:4: .* has no .=., and hides' err || fail "nothing is said of a malformed line: $(cat err)"
 exits 1 'nothere.ini: No such file' "$vintra" check nothere.ini
+printf '[\nx=1\n[]\n' >unnamed.ini
+exits 1 'unnamed.ini:3: a section without a name' "$vintra" check unnamed.ini
+exits 1 'standard input: Bad file descriptor' sh -c '"$0" check - <&-' "$vintra"
+exits 2 'config cannot be "-"' "$vintra" write -c - -s a
 exits 1 'empty: no sections' sh -c ': >empty; "$0" check empty' "$vintra"
 exits 1 '/dev/zero: File too large' timeout 20 "$vintra" check /dev/zero
 for pipe in - /dev/stdin; do
@@ -304,6 +310,10 @@ touch -d '-2 hours' next001.log
 next ring.ini 000 'emptied, as all are full, though it is the newest'
 echo 'format=%D% C' >>ring.ini
 next ring.ini 000 'emptied, by the %C of its format'
+rm next000.log
+next ring.ini 000 made
+mkdir next000.log
+next ring.ini 000 'cannot be opened: Is a directory'
 echo '[broken' >>check.ini
 exits 1 "check.ini:29: .*does not end in ']'" "$vintra" check check.ini
 exits 0 '^  file_name *default.log *default: missing' "$vintra" check check.ini long
@@ -311,7 +321,7 @@ grep -q '^  encrypt *1 *default: missing, so the file is scrambled' out || fail 
 
 # Non-blocking streams are waited for; dd passes the flags on to whoever shares them.
 head -c 9000000 /dev/zero | tr '\0' 'x' | fold -w 99 >large
-cat large | { dd iflag=nonblock oflag=nonblock count=0 status=none; "$vintra" cat --scramble; } | "$vintra" cat | cmp - large
+cat large | { dd iflag=nonblock oflag=nonblock count=0 status=none; "$vintra" cat --scramble; } | "$vintra" cat --scramble | cmp - large
 
 # Colours and progress are for terminals.
 script -qec true /dev/null </dev/null >/dev/null 2>&1 || { echo "skipped: colours and progress, as no terminal is to be had"; exit 0; }
@@ -325,8 +335,9 @@ on_terminal "'$vintra' cat <large >/dev/null" | grep -q '%  [0-9]* of 8 MiB' || 
 on_terminal "'$vintra' cat large nothere >/dev/null" | grep -q "$(printf '\033')\[Kvintra: nothere" ||
   fail "a message stands behind the progress"
 ! on_terminal "'$vintra' write -f small.log <input" | grep -q '%' || fail "progress for a small input"
-printf 'a\tb\033[2J\007\302\233\233\303\244c\rd\r\ne\303' >signs
-on_terminal "'$vintra' cat signs" | tr '\t\r' '~ ' | grep -qF "$(printf 'a~b\\x1B[2J\\x07\\xC2\\x9B\\x9B\303\244c\\x0Dd')" ||
+printf 'a\tb\033[2J\007\302\233\233\303\244c\rd\364\220\200\200\r\ne\303' >signs
+printf 'a~b\\x1B[2J\\x07\\xC2\\x9B\\x9B\303\244c\\x0Dd\\xF4\\x90\\x80\\x80' >shown
+on_terminal "'$vintra' cat signs" | tr '\t\r' '~ ' | grep -qFf shown ||
   fail "a terminal gets $(on_terminal "'$vintra' cat signs" | od -c)"
 "$vintra" cat signs | cmp - signs
 "$vintra" write -f large.log --flush-size 64K <large 2>err

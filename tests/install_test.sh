@@ -16,7 +16,8 @@ fail() {
   exit 1
 }
 
-# use HOW PROGRAM PREFIX LANGUAGE [FOLDER]: the program finds the library by its SONAME, in the prefix, or has it in itself
+# use HOW PROGRAM PREFIX LANGUAGE [FOLDER]: the program finds the library by its SONAME, in the prefix, or has it in
+# itself
 use() {
   rm -f "$work/app.log"
   [ "$("$2" "$work/app.log")" = "${5-$3/$libdir/}" ] || fail "$1: the library lies elsewhere"
@@ -30,13 +31,15 @@ for prefix in "$work/one" "$work/two words"; do
   [ "$(cat "$work/headers")" = './Common/BaseTypes.h ./ConfigFileINI/ConfigFileINI.h ./FolderModule/FolderModule.h ./VintraModule/VintraModule.h ./vintra.h ' ] ||
     fail "other headers are installed: $(cat "$work/headers")"
 
-  "$cmake" -S "$source_dir/tests/consumer" -B "$prefix/build" -DCMAKE_PREFIX_PATH="$prefix" \
-    -DCMAKE_C_COMPILER="$cc" -DCMAKE_CXX_COMPILER="$cxx" >"$work/configured" 2>&1 || { cat "$work/configured"; exit 1; }
-  "$cmake" --build "$prefix/build" >"$work/built" 2>&1 || { cat "$work/built"; exit 1; }
+  for project in . static; do
+    {
+      "$cmake" -S "$source_dir/tests/consumer/$project" -B "$prefix/build/$project" -DCMAKE_PREFIX_PATH="$prefix" \
+        -DCMAKE_C_COMPILER="$cc" -DCMAKE_CXX_COMPILER="$cxx" && "$cmake" --build "$prefix/build/$project"
+    } >"$work/built" 2>&1 || { cat "$work/built"; exit 1; }
+  done
   use "CMake, C" "$prefix/build/consumer_c" "$prefix" C
   use "CMake, C++" "$prefix/build/consumer_cxx" "$prefix" C++
-  use "CMake, static" "$prefix/build/consumer_static" "$prefix" C "$prefix/build/"
-  ! ldd "$prefix/build/consumer_static" | grep libvintra || fail "the static library is not linked"
+  use "CMake, static" "$prefix/build/static/consumer_static" "$prefix" C "$prefix/build/static/"
 
   export PKG_CONFIG_PATH="$prefix/$libdir/pkgconfig"
   [ "$(pkg-config --modversion vintra)" = "$("$prefix/bin/vintra" --version | cut -d ' ' -f 2)" ] || fail "another version"
@@ -46,9 +49,16 @@ for prefix in "$work/one" "$work/two words"; do
   use "pkg-config, C" "$work/consumer" "$prefix" C
   eval "'$cxx' -std=c++11 '$source_dir/tests/consumer/consumer.cpp' -o '$work/consumer' $flags '-Wl,-rpath,$prefix/$libdir'"
   use "pkg-config, C++" "$work/consumer" "$prefix" C++
+  archive=$(pkg-config --variable=libdir vintra)/libvintra.a
+  flags=$(pkg-config --cflags vintra)
+  eval "'$cc' -std=c99 '$source_dir/tests/consumer/consumer.c' -o '$work/consumer' $flags '$archive' -lstdc++ -lm -ldl"
+  use "pkg-config, static" "$work/consumer" "$prefix" C "$work/"
+  for program in "$work/consumer" "$prefix/build/static/consumer_static"; do
+    ! ldd "$program" | grep libvintra || fail "$program needs the shared library"
+  done
   flags=$(pkg-config --static --cflags --libs vintra)
   eval "'$cc' -std=c99 -static '$source_dir/tests/consumer/consumer.c' -o '$work/consumer' $flags"
-  use "pkg-config, static" "$work/consumer" "$prefix" C ''
+  use "pkg-config, all static" "$work/consumer" "$prefix" C ''
 done
 
 # A library folder of its own leaves the headers below the prefix.

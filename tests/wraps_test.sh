@@ -1,8 +1,9 @@
 #!/bin/sh
 # Each call that the tests replace is one that the library makes, by one of its names here: a fortified call and one of
-# wider seconds have others, and what is not replaced would escape unseen. Usage: wraps_test.sh NM NAME[,NAME...]... -- OBJECT...
+# wider seconds have others, and what is not replaced would escape unseen.
+# Usage: wraps_test.sh READELF NAME[,NAME...]... -- OBJECT...
 set -eu
-nm=$1
+readelf=$1
 shift
 groups=
 while [ "$1" != -- ]; do
@@ -10,7 +11,7 @@ while [ "$1" != -- ]; do
   shift
 done
 shift
-called=$("$nm" -u "$@" | sed -n 's/^ *U //p')
+called=$("$readelf" -sW "$@" | awk '$7 == "UND" { print $8 }')
 for group in $groups; do
   for name in $(echo "$group" | tr , ' '); do
     echo "$called" | grep -qx "$name" && continue 2

@@ -103,16 +103,13 @@ bool CanStart(const LogSection& section) {
 // Returns whether the section is all right.
 bool CheckSection(const IniFile& ini, const char* section) {
   const char* const file = ini.path.c_str();
-  const char* const name = ini.name.c_str();
   if (std::strlen(section) > kLongestArgument) {
     Fail("[%s]: more than 263 characters", section);
     return false;
   }
   const IniSection lines = ScanSection(file, section);
   if (lines.line == 0) {
-    const char* hint = lines.byte_order_mark ? "; a byte order mark hides the first line" : "";
-    if (lines.bad_line == 0) Fail("%s: no section [%s]%s", name, section, hint);
-    if (lines.bad_line != 0) Fail("%s:%d: %s, and hides [%s]", name, lines.bad_line, lines.problem, section);
+    FailOnMissing(ini, lines, section);
     return false;
   }
   const LogSection read = ReadLogSection(file, section);

@@ -30,6 +30,7 @@ void AppendEscaped(std::string& shown, char byte) {
   shown += escape;
 }
 
+constexpr wchar_t kLastCharacter = 0x10FFFF;
 constexpr auto kBegun = static_cast<std::size_t>(-2);  // as mbrtowc says it
 
 // The bytes of what text begins with and a terminal may get as it is; 0 where it may not, kBegun where the
@@ -40,10 +41,11 @@ std::size_t HarmlessSize(std::string_view text, bool keeps_lines) {
   wchar_t character = 0;
   std::mbstate_t state{};
   const std::size_t size = std::mbrtowc(&character, text.data(), text.size(), &state);
-  if (size == kBegun) return kBegun;
-  return size == static_cast<std::size_t>(-1) || std::iswcntrl(static_cast<std::wint_t>(character)) != 0
-             ? 0
-             : size;
+  if (size == kBegun || size == static_cast<std::size_t>(-1)) return size == kBegun ? kBegun : 0;
+  // The C library reads on beyond the last character that there is.
+  const bool is_shown =
+      character <= kLastCharacter && std::iswcntrl(static_cast<std::wint_t>(character)) == 0;
+  return is_shown ? size : 0;
 }
 
 }  // namespace

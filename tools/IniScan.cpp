@@ -75,18 +75,19 @@ bool ReadText(const char* file, std::string& text) {
   return result == 1;
 }
 
-// Moves behind the next line of a section of the name, or of any section for a null one. Returns false at the
-// end, and at a malformed line, which problem then tells of.
-bool FindSection(Lines& lines, const std::string_view* section, const char*& problem) {
+// Moves behind the next line of a section of the name, or of any section for a null one, whose name is then
+// found. Returns false at the end, and at a malformed line, which problem then tells of.
+bool FindSection(Lines& lines, const std::string_view* wanted, std::string_view& found,
+                 const char*& problem) {
   for (std::string_view line; lines.Next(line);) {
     line = Trim(line);
     if (line.empty() || line.front() == NoteLineSign || line.front() != SectionSymbolLeft) continue;
-    if (line.size() < 3) continue;  // the empty name
-    if (line.back() != SectionSymbolRight) {
+    if (line.size() >= 3 && line.back() != SectionSymbolRight) {
       problem = "the line of a section does not end in ']'";
       return false;
     }
-    if (section == nullptr || line.substr(1, line.size() - 2) == *section) return true;
+    found = line.size() < 3 ? std::string_view() : line.substr(1, line.size() - 2);
+    if (wanted == nullptr || (found == *wanted && !found.empty())) return true;
   }
   return false;
 }
@@ -150,16 +151,27 @@ bool CopyAll(int from, int to) {
 }  // namespace
 
 bool FindIniFile(const char* name, IniFile& file) {
-  const bool is_input = std::string_view(name) == "-";
+  const bool is_input = IsStandardInput(name);
   file.name = is_input ? "standard input" : name;
-  file.path = is_input ? "/dev/stdin" : name;
+  file.path = name;
   struct stat status = {};
-  if (stat(file.path.c_str(), &status) != 0) return false;
+  if (!is_input && stat(name, &status) != 0) return false;
   if (S_ISREG(status.st_mode) || S_ISDIR(status.st_mode)) return true;
-  const Descriptor source(open(file.path.c_str(), O_RDONLY | O_CLOEXEC));
+  const Descriptor source(is_input ? fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 0)
+                                   : open(name, O_RDONLY | O_CLOEXEC));
   file.copy = Descriptor(memfd_create("ini", MFD_CLOEXEC));
   file.path = "/proc/self/fd/" + std::to_string(file.copy.get());
   return source && file.copy && CopyAll(source.get(), file.copy.get());
+}
+
+bool IsStandardInput(std::string_view name) { return name == "-" || name == "/dev/stdin"; }
+
+int FailOnMissing(const IniFile& file, const IniSection& lines, const char* section) {
+  const char* const name = file.name.c_str();
+  if (lines.bad_line != 0)
+    return Fail("%s:%d: %s, and hides [%s]", name, lines.bad_line, lines.problem, section);
+  const char* const hint = lines.byte_order_mark ? "; a byte order mark hides the first line" : "";
+  return Fail("%s: no section [%s]%s", name, section, hint);
 }
 
 IniSection ScanSection(const char* file, std::string_view section) {
@@ -168,7 +180,8 @@ IniSection ScanSection(const char* file, std::string_view section) {
   found.readable = ReadText(file, text);
   found.byte_order_mark = text.starts_with(kByteOrderMark);
   Lines lines(text);
-  if (!FindSection(lines, &section, found.problem)) {
+  std::string_view name;
+  if (!FindSection(lines, &section, name, found.problem)) {
     if (*found.problem != '\0') found.bad_line = lines.number();
     return found;
   }
@@ -176,7 +189,7 @@ IniSection ScanSection(const char* file, std::string_view section) {
   Lines behind = lines;
   ScanKeys(lines, found);
   const char* not_looked_at = "";
-  if (FindSection(behind, &section, not_looked_at)) found.repeated = behind.number();
+  if (FindSection(behind, &section, name, not_looked_at)) found.repeated = behind.number();
   return found;
 }
 
@@ -190,7 +203,9 @@ std::vector<IniProblem> ScanProblems(const char* file) {
   if (text.starts_with(kByteOrderMark)) found.push_back({1, "a byte order mark hides this line"});
   Lines lines(text);
   const char* problem = "";
-  while (FindSection(lines, nullptr, problem)) {
+  std::string_view name;
+  while (FindSection(lines, nullptr, name, problem)) {
+    if (name.empty()) found.push_back({lines.number(), "a section without a name, which nobody finds"});
     IniSection section;
     Lines keys = lines;
     ScanKeys(keys, section);

@@ -15,9 +15,12 @@ struct IniFile {
   Descriptor copy;
 };
 
-// Copies what is no file, such as a pipe, up to 16 MiB; "-" is standard input. Returns false with errno when
-// it cannot be read.
+// Finds the file of a name. What is no file, such as a pipe, is copied, up to 16 MiB. Returns false with
+// errno when it cannot be read.
 bool FindIniFile(const char* name, IniFile& file);
+
+// Whether the name stands for standard input: "-", or what the system has for it.
+bool IsStandardInput(std::string_view name);
 
 struct IniKey {
   std::string name;
@@ -38,12 +41,16 @@ struct IniSection {
 
 IniSection ScanSection(const char* file, std::string_view section);
 
+// Says why a section that was looked for is not to be found. Returns kFailed.
+int FailOnMissing(const IniFile& file, const IniSection& lines, const char* section);
+
 struct IniProblem {
   int line;
   std::string text;
 };
 
-// The malformed lines of all sections, up to a section's own line that is one.
+// What is wrong with the file: a byte order mark, sections without a name, and the first malformed line of
+// each section; nothing behind a section's own line that is malformed.
 std::vector<IniProblem> ScanProblems(const char* file);
 
 #endif

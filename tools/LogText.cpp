@@ -9,23 +9,20 @@
 namespace {
 
 constexpr std::size_t kLook = 4096;  // bytes of a log by which it is recognised
-constexpr unsigned char kMask = 0x3C;
+constexpr int kMask = 0x3C;
 
-// How much a byte looks like one of a text: a control character hardly ever does.
-constexpr int Plausibility(int byte) {
-  if (byte >= 0x80) return 0;  // of a longer character in both
-  if (byte == ' ') return 3;
-  if (byte == '\r' || byte == '\n' || (byte >= 'a' && byte <= 'z')) return 2;
-  if (byte == '\t' || byte == '\033') return 1;  // which colours begin with
-  return byte < ' ' || byte == 0x7F ? -8 : 1;
+// A control character that texts do not have. Blanks, most digits and signs, scrambled, are such; a tab, an
+// end of a line, the escape that colours begin with, and the NUL of a file that a crash has left tell
+// nothing.
+constexpr bool IsOdd(int byte) {
+  return byte < ' ' && byte != '\0' && byte != '\t' && byte != '\n' && byte != '\r' && byte != '\033';
 }
 
-// By how much a byte speaks for text rather than for a scrambled one. Blanks and most digits tell at once, as
-// control characters take their places.
+// What a byte says: 1 that it is one of a text, -1 that it is scrambled.
 constexpr auto kEvidence = [] {
   std::array<int, 256> evidence{};
   for (int byte = 0; byte < 256; ++byte)
-    evidence[static_cast<std::size_t>(byte)] = Plausibility(byte) - Plausibility(byte ^ kMask);
+    evidence[static_cast<std::size_t>(byte)] = (IsOdd(byte ^ kMask) ? 1 : 0) - (IsOdd(byte) ? 1 : 0);
   return evidence;
 }();
 

@@ -16,8 +16,8 @@ class LogText {
  public:
   explicit LogText(Masking masking) : masking_(masking) {}
 
-  // Turns the next bytes of the log into text, in place. A log that begins with few bytes may be taken for
-  // the other kind, but is seen aright once there are more.
+  // Turns the next bytes of the log into text, in place. They are taken for text until a blank or another
+  // sign tells.
   void Decode(std::span<char> bytes);
 
  private:

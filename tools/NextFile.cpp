@@ -1,20 +1,34 @@
 #include "tools/NextFile.h"
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
 #include <ctime>
+#include <filesystem>
 #include <vector>
 
 #include "tools/LogSection.h"
 
 namespace {
 
+namespace fs = std::filesystem;
+
 struct Candidate {
   std::string path;
   struct stat status = {};
-  bool exists = false;
+  int error = 0;  // that keeps start-up from opening it; ENOENT where it is missing
 };
+
+// What keeps a missing file from being made, as far as the folders that there are tell; 0 where nothing does.
+int ErrorOfMaking(const fs::path& path) {
+  std::error_code error;
+  fs::path folder = path.parent_path();
+  while (!fs::exists(folder, error) && !error && folder.has_relative_path()) folder = folder.parent_path();
+  return access(folder.empty() ? "." : folder.c_str(), W_OK | X_OK) == 0 ? 0 : errno;
+}
 
 bool IsOlder(const Candidate& one, const Candidate& other) {
   const timespec& before = one.status.st_mtim;
@@ -44,29 +58,42 @@ Candidate Examine(const LogConfigRecEx& config, uint32 number) {
   char front[VINTRA_PATH_SIZE] = "";
   if (*drive == '\0') GetDLLDir(front);
   std::replace(folder, folder + sizeof folder, '\\', '/');
-  Candidate candidate{std::string(front) + drive + folder + base};
+  Candidate candidate{std::string(front) + (*base == '/' ? "" : drive) + folder + base};
   if (config.log_mode == Log_Mode_Date) candidate.path += '_' + Today() + '_';
   if (config.log_mode != Log_Mode_Simple) candidate.path += Padded(number);
   candidate.path += extension;
-  candidate.exists = stat(candidate.path.c_str(), &candidate.status) == 0;
+  const char* const path = candidate.path.c_str();
+  if (stat(path, &candidate.status) != 0) {
+    candidate.error = errno;
+  } else if (S_ISDIR(candidate.status.st_mode)) {
+    candidate.error = EISDIR;
+  } else if (access(path, R_OK | W_OK) != 0) {
+    candidate.error = errno;
+  }
   return candidate;
+}
+
+NextFile Missing(const std::string& path) {
+  const int error = ErrorOfMaking(path);
+  return {path, error == 0 ? "made" : std::string("cannot be made: ") + std::strerror(error)};
 }
 
 }  // namespace
 
 NextFile FindNextFile(const LogConfigRecEx& config) {
-  if (DirectivesOf(config.log_format).find('C') != std::string::npos)
-    return {Examine(config, 0).path, "emptied, by the %C of its format"};
+  const bool empties = DirectivesOf(config.log_format).find('C') != std::string::npos;
   const uint32 count = config.log_mode == Log_Mode_Simple ? 1 : config.max_backup_index;
   std::vector<Candidate> full;
   while (full.size() < count) {
     const Candidate next = Examine(config, static_cast<uint32>(full.size()));
-    if (!next.exists) return {next.path, "made"};
+    if (next.error == ENOENT) return Missing(next.path);
+    if (next.error != 0) return {next.path, std::string("cannot be opened: ") + std::strerror(next.error)};
+    if (empties) return {next.path, "emptied, by the %C of its format"};
     if (next.status.st_size < off_t{config.max_file_size}) return {next.path, "appended to"};
     full.push_back(next);
   }
   const bool is_newest =
       full.size() > 1 && std::max_element(full.begin(), full.end(), IsOlder) == full.begin();
-  return {full.front().path,
-          is_newest ? "emptied, as all are full, though it is the newest" : "emptied, as all are full"};
+  const char* const fate = count == 1 ? "emptied, as it is full" : "emptied, as all are full";
+  return {full.front().path, std::string(fate) + (is_newest ? ", though it is the newest" : "")};
 }

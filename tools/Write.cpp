@@ -107,7 +107,7 @@ bool Take(int letter, Request& request) {
   switch (letter) {
     case 'c':
       request.config = optarg;
-      return true;
+      return !IsStandardInput(optarg);  // which holds the lines
     case 's':
       request.section = optarg;
       return true;
@@ -222,7 +222,7 @@ int OpenSection(const Request& request, LOGHANDLE& log) {
   const char* const file = ini.path.c_str();
   const IniSection lines = is_found ? ScanSection(file, request.section) : IniSection();
   if (!lines.readable) return FailOn(name);
-  if (lines.line == 0) return Fail("%s: no section [%s]", name, request.section);
+  if (lines.line == 0) return FailOnMissing(ini, lines, request.section);
   for (const Setting& setting : ReadLogSection(file, request.section).settings) {
     if (setting.verdict != Verdict::kWrong) continue;
     Fail("%s: [%s] %s: %s", name, request.section, setting.key.c_str(), setting.remark.c_str());
