@@ -107,6 +107,7 @@ TEST_F(RotationTest, MessagesOfWritesFlushesAndClosesThatFail) {
 TEST_F(RotationTest, WaitsForRoomUntilAsMuchWasRefusedAsTheLargestFileHolds) {
   for (const uint32 size : {UINT32_MAX - 100, UINT32_MAX}) {
     Open({"", 4096, UINT32_MAX, "/dev/full"});
+    Errors();  // of the log before
     EXPECT_EQ(Write(10), 0);
     Record().file_size = size;
     EXPECT_EQ(Write(10), 7);
