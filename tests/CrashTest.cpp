@@ -48,7 +48,7 @@ class CrashTest : public LogTest {
     if (kill_at >= 0) {
       siginfo_t ended{};  // by itself, which is an error
       while (*last_ < kill_at && ended.si_pid == 0)
-        waitid(P_PID, static_cast<id_t>(child), &ended, WEXITED | WNOHANG | WNOWAIT);
+        waitid(P_PID, static_cast<id_t>(child), &ended, WEXITED | WNOHANG | WNOWAIT), usleep(20);
       std::this_thread::sleep_for(std::chrono::microseconds(kill_after));
       kill(child, SIGKILL);
     }
@@ -106,7 +106,7 @@ TEST_F(CrashTest, KilledWritersLoseNothingThatWasFlushed) {
                       }
                       pause();
                     },
-                    next - 1 + static_cast<int>(random() % 1000), static_cast<int>(random() % 500)),
+                    next - 1 + static_cast<int>(random() % 400), static_cast<int>(random() % 500)),
                 -SIGKILL);
       int torn = 0;
       const std::vector<int> numbers = Numbers(torn);
@@ -283,7 +283,7 @@ TEST_F(ForkTest, NoDescriptorReachesAnotherProgram) {
   std::atomic<bool> stops{false};
   std::thread others[2];
   for (std::thread& other : others) {
-    other = std::thread([this, &stops, id = &other - others] {
+    other = std::thread([&stops, id = &other - others] {
       const std::string own = "y" + std::to_string(id);
       for (int number = 0; !stops; ++number) {
         LOGHANDLE log = null_log_handle;

@@ -153,7 +153,7 @@ TEST_F(FaultsTest, LogsOfEveryMode) {
        {std::pair(1U, "log/app.log"), {2U, "log/new/app.log"}, {3U, "log/app.log"}})
     for (const uint32 flush : {0U, 4096U}) {
       const Settings settings{"%N%D", flush, 3000, folder_ + name, mode, 5, 2, 1, 0, "%O%C%M", "%P%T"};
-      const auto in = [mode = mode](uint32 some, const char* outcome) { return mode == some ? outcome : ""; };
+      const auto in = [is = mode](uint32 some, const char* outcome) { return is == some ? outcome : ""; };
       Check({name, [&, this] { return Live(settings); }, "",
              "access=4 "s + in(1, "fdopen=5 ") +
                  "fdopen=5+1 fopen=5 fstat=5 fwrite=7 gethostname=13 localtime=" + (mode == 3 ? "12" : "10") +

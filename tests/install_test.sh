@@ -49,9 +49,8 @@ for prefix in "$work/one" "$work/two words"; do
   use "pkg-config, C" "$work/consumer" "$prefix" C
   eval "'$cxx' -std=c++11 '$source_dir/tests/consumer/consumer.cpp' -o '$work/consumer' $flags '-Wl,-rpath,$prefix/$libdir'"
   use "pkg-config, C++" "$work/consumer" "$prefix" C++
-  archive=$(pkg-config --variable=libdir vintra)/libvintra.a
-  flags=$(pkg-config --cflags vintra)
-  eval "'$cc' -std=c99 '$source_dir/tests/consumer/consumer.c' -o '$work/consumer' $flags '$archive' -lstdc++ -lm -ldl"
+  flags="$(pkg-config --cflags vintra) $(pkg-config --variable=libdir vintra)/libvintra.a -lstdc++ -lm"
+  eval "'$cc' -std=c99 '$source_dir/tests/consumer/consumer.c' -o '$work/consumer' $flags"
   use "pkg-config, static" "$work/consumer" "$prefix" C "$work/"
   for program in "$work/consumer" "$prefix/build/static/consumer_static"; do
     ! ldd "$program" | grep libvintra || fail "$program needs the shared library"

@@ -49,6 +49,12 @@ std::string Today() {
   return text;
 }
 
+int ErrorOfOpening(const char* path, struct stat& status) {
+  if (stat(path, &status) != 0) return errno;
+  if (S_ISDIR(status.st_mode)) return EISDIR;
+  return access(path, R_OK | W_OK) == 0 ? 0 : errno;
+}
+
 Candidate Examine(const LogConfigRecEx& config, uint32 number) {
   char drive[VINTRA_PATH_SIZE] = "";
   char folder[VINTRA_PATH_SIZE] = "";
@@ -62,14 +68,7 @@ Candidate Examine(const LogConfigRecEx& config, uint32 number) {
   if (config.log_mode == Log_Mode_Date) candidate.path += '_' + Today() + '_';
   if (config.log_mode != Log_Mode_Simple) candidate.path += Padded(number);
   candidate.path += extension;
-  const char* const path = candidate.path.c_str();
-  if (stat(path, &candidate.status) != 0) {
-    candidate.error = errno;
-  } else if (S_ISDIR(candidate.status.st_mode)) {
-    candidate.error = EISDIR;
-  } else if (access(path, R_OK | W_OK) != 0) {
-    candidate.error = errno;
-  }
+  candidate.error = ErrorOfOpening(candidate.path.c_str(), candidate.status);
   return candidate;
 }
 

@@ -21,9 +21,9 @@ void Output::Write(std::string_view text) {
   last_ = text.back();
   if (!is_terminal_) return WriteAll(text);
   begun_ += text;
-  std::string shown;
-  begun_.erase(0, begun_.size() - AppendShown(shown, begun_, true));
-  WriteAll(shown);
+  shown_.clear();
+  begun_.erase(0, begun_.size() - AppendShown(shown_, begun_, true));
+  WriteAll(shown_);
 }
 
 void Output::WriteAll(std::string_view text) {

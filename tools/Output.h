@@ -31,6 +31,7 @@ class Output {
 
   bool is_terminal_;
   std::string begun_;  // of a character or a line break, for the terminal
+  std::string shown_;  // what the terminal gets of a text
   const void* source_ = nullptr;
   char last_ = '\n';
   bool failed_ = false;
