@@ -24,7 +24,7 @@ for file in "$3" "$4"; do
   expect + ' UND __stack_chk_fail' "the stack is not guarded"
   [ "$2" = Debug ] || expect + ' UND __[a-z]*_chk\(@\|$\)' "the C library does not check sizes" # which takes an optimiser
 done
-expect + 'Flags:.* PIE' "it always lies at the same address"
+expect + 'FLAGS_1.* PIE' "it always lies at the same address"
 
 file=$3
 LC_ALL=C "$1" -W -d "$file" >"$seen"
