@@ -225,6 +225,23 @@ int __wrap_statfs64(const char* path, struct statfs64* status) {
   status->f_blocks = fake.blocks;
   return Fails("statfs") || fake.blocks == 0 || std::string(path) != "/" ? -1 : 0;
 }
+// The same calls, fortified.
+int __wrap___open64_2(const char* path, int flags) { return __wrap_open64(path, flags); }
+int __wrap___openat64_2(int folder, const char* path, int flags) {
+  return __wrap_openat64(folder, path, flags);
+}
+ssize_t __wrap___read_chk(int descriptor, void* bytes, std::size_t size, std::size_t) {
+  return __wrap_read(descriptor, bytes, size);
+}
+ssize_t __wrap___pread64_chk(int descriptor, void* bytes, std::size_t size, off64_t at, std::size_t) {
+  return __wrap_pread64(descriptor, bytes, size, at);
+}
+char* __wrap___fgets_chk(char* text, std::size_t, int size, FILE* stream) {
+  return __wrap_fgets(text, size, stream);
+}
+int __wrap___gethostname_chk(char* name, std::size_t size, std::size_t) {
+  return __wrap_gethostname(name, size);
+}
 pid_t __wrap_getpid() { return fake.pid; }
 pid_t __wrap_gettid() { return fake.tid; }
 }
