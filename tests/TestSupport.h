@@ -74,9 +74,13 @@ struct FakeSystem {
 };
 inline FakeSystem fake;  // each test starts with a new one
 
+// Some streams of C++ open files by calls that are replaced. They are none of the library's.
 inline std::string ReadFile(const fs::path& path) {
+  const bool notes_calls = std::exchange(fake.notes_calls, false);
   std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
+  std::string bytes(std::istreambuf_iterator<char>(file), {});
+  fake.notes_calls = notes_calls;
+  return bytes;
 }
 
 inline void WriteFile(const fs::path& path, std::string_view bytes) {

@@ -30,6 +30,6 @@ file=$3
 LC_ALL=C "$1" -W -d "$file" >"$seen"
 expect + 'SONAME.*\[libvintra\.so\.1\]' "it has another name"
 expect 0 'R\(UN\)\?PATH' "it has its own search path"
-sed -i '/NEEDED/!d; /\[\(libc\.so\|libm\.so\|libstdc++\.so\|libgcc_s\.so\|ld-linux\)[^]]*\]/d' "$seen"
+sed -i '/NEEDED/!d; /\[\(libc\.so\|libm\.so\|libstdc++\.so\|libc++\.so\|libc++abi\.so\|libunwind\.so\|libgcc_s\.so\|ld-linux\)[^]]*\]/d' "$seen"
 expect 0 NEEDED "it needs more: $(cat "$seen")"
 exit $failed

@@ -49,13 +49,15 @@ for prefix in "$work/one" "$work/two words"; do
   use "pkg-config, C" "$work/consumer" "$prefix" C
   eval "'$cxx' -std=c++11 '$source_dir/tests/consumer/consumer.cpp' -o '$work/consumer' $flags '-Wl,-rpath,$prefix/$libdir'"
   use "pkg-config, C++" "$work/consumer" "$prefix" C++
-  flags="$(pkg-config --cflags vintra) $(pkg-config --variable=libdir vintra)/libvintra.a -lstdc++ -lm"
+  runtime=$(sed -n 's/^Libs.private: //p' "$PKG_CONFIG_PATH/vintra.pc")
+  flags="$(pkg-config --cflags vintra) $(pkg-config --variable=libdir vintra)/libvintra.a $runtime"
   eval "'$cc' -std=c99 '$source_dir/tests/consumer/consumer.c' -o '$work/consumer' $flags"
   use "pkg-config, static" "$work/consumer" "$prefix" C "$work/"
   for program in "$work/consumer" "$prefix/build/static/consumer_static"; do
     ! ldd "$program" | grep libvintra || fail "$program needs the shared library"
   done
   flags=$(pkg-config --static --cflags --libs vintra)
+  [ "$runtime" = "${runtime#*stdc++}" ] && continue # libc++ has no runtime of its own that is all static
   eval "'$cc' -std=c99 -static '$source_dir/tests/consumer/consumer.c' -o '$work/consumer' $flags"
   use "pkg-config, all static" "$work/consumer" "$prefix" C ''
 done
