@@ -88,8 +88,9 @@ class FileDescriptor {
   int descriptor_ = -1;
 };
 
-// Holds the places of the standard streams that a host has closed, as long as a file is being opened: what
-// the host goes on writing to such a stream would otherwise land in the file. It fails as before meanwhile.
+// Holds the places of the standard streams that a host has closed, as long as it lives. A file that is opened
+// meanwhile gets another place: what the host goes on writing to such a stream would otherwise land in it.
+// That writing fails as it did before.
 class StandardPlaces {
  public:
   StandardPlaces() {
